@@ -1,0 +1,7 @@
+#include "Cli.h"
+
+namespace tarvel::cli {
+
+std::vector<Command> graphicsCommands() { return {}; }
+
+}  // namespace tarvel::cli

@@ -1,0 +1,103 @@
+#pragma once
+// The program's message table: every text that the editor and the command-line
+// tool show for an error, a piece of information or a question. Ids below 200
+// that the game transfer code leaves behind are fixed by the original program;
+// the rest are ours and only need to stay unique.
+
+#include <string>
+#include <string_view>
+
+namespace tarvel {
+
+enum class MessageId : int {
+    None = 0,
+    NotEnoughMemory = 2,
+    BadDriverNumbers = 47,
+    CouldntReadGp2Exe = 96,
+    Gp2ExeNotPatched = 98,
+    CouldntReadStateFile = 100,
+    BadPitBoxNumbers = 102,
+    DriversName = 105,
+    StateFileNotPatched = 116,
+    FailedToConvertJam = 132,
+    FailedToImportSound = 154,
+    FailedToImportCockpit = 163,
+    FailedToImportMenuHelmet = 199,
+
+    // Car set files.
+    CouldntOpenCarSetFile = 300,
+    NotValidCarSet,
+    RequiresNewerVersion,       // "This file requires Tarvel v%.2f."
+    CouldntSaveCarSet,
+    SaveChangesToFile,          // "Save Changes to %s?"
+    SaveChangesToCarSet,
+    ReplaceExistingFile,
+    // Main window and start-up.
+    FailedToLaunchEditor,
+    FailedToStartGp2,
+    UnsupportedVersion,
+    LocateGp2Exe,
+    MoveTeamHere,
+    OnlyTwoCarsDisabled,        // followed by the list of disabled cars
+    DisabledCarCorruption,
+    // Import and export.
+    FileNotFound,               // "File Not Found - %s."
+    ImportAborted,
+    ExportAborted,
+    FailedToExportSound,
+    FailedToExportMenuHelmet,
+    ItemNotAvailable,           // CLI: an item whose owner is not built
+    // Pictures.
+    CouldntLoadBitmap,
+    CouldntSaveBitmap,
+    FailedToPatchJam,
+    FilePatchedSuccessfully,
+    ImportFailed,
+    ExportFailed,
+    // Other files.
+    CouldntLoadFile,
+    CouldntSaveFile,
+    CouldntLoadTeam,
+    CouldntSaveTeam,
+    CouldntLoadText,
+    CouldntSaveText,
+    CouldntLoadSound,
+    CouldntSaveSound,
+    CouldntPlaySound,
+    CouldntCreateDosPatch,
+    // Range messages of the table editors.
+    RangeEnginePower,
+    RangeFailureProbability,
+    RangeDriverGripLow,
+    RangeDriverGripHigh,
+    RangeDriverGripRandom,
+    RangePoints,
+    RangeLaps,
+    RangeFuelLoad,
+    RangeCoordinate,
+    RangeAngle,
+    RangeTuning,
+    RangeDamage255,
+    RangeDamage32767,
+    RangePositiveInteger,
+    // Command line only.
+    InvalidField,               // "Invalid value for %s."
+    CouldntWriteFile,           // "Couldn't Write File - %s."
+    Count_
+};
+
+enum class MessageKind { Error, Information, Question };
+
+struct Message {
+    MessageId id = MessageId::None;
+    std::string arg;     // fills %s, or the number for %.2f, when the text has one
+};
+
+// The text with no argument filled in.
+std::string_view messageTemplate(MessageId id);
+// The text as shown to the user, with the argument filled in.
+std::string messageText(const Message& message);
+std::string messageText(MessageId id);
+MessageKind messageKind(MessageId id);
+
+}  // namespace tarvel
