@@ -1,0 +1,133 @@
+#include "common/FileIO.h"
+
+#include <algorithm>
+#include <cctype>
+#include <fstream>
+#include <system_error>
+
+namespace tarvel {
+namespace fs = std::filesystem;
+
+std::optional<Bytes> readWholeFile(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return std::nullopt;
+    in.seekg(0, std::ios::end);
+    std::streamoff size = in.tellg();
+    if (size < 0) return std::nullopt;
+    in.seekg(0, std::ios::beg);
+    Bytes data(static_cast<std::size_t>(size));
+    if (size > 0 && !in.read(reinterpret_cast<char*>(data.data()), size)) return std::nullopt;
+    return data;
+}
+
+bool writeFileAtomically(const fs::path& path, std::span<const std::uint8_t> data) {
+    fs::path temporary = path;
+    temporary += ".tarvel-tmp";
+    {
+        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+        if (!out) return false;
+        if (!data.empty()) out.write(reinterpret_cast<const char*>(data.data()), std::streamsize(data.size()));
+        out.flush();
+        if (!out) {
+            out.close();
+            std::error_code ec;
+            fs::remove(temporary, ec);
+            return false;
+        }
+    }
+    std::error_code ec;
+    if (fs::exists(path, ec)) clearReadOnly(path);
+    fs::rename(temporary, path, ec);
+    if (ec) {
+        fs::remove(temporary, ec);
+        return false;
+    }
+    return true;
+}
+
+bool patchFile(const fs::path& path, std::uint64_t offset, std::span<const std::uint8_t> data) {
+    std::fstream f(path, std::ios::binary | std::ios::in | std::ios::out);
+    if (!f) return false;
+    f.seekp(std::streamoff(offset));
+    if (!f) return false;
+    if (!data.empty()) f.write(reinterpret_cast<const char*>(data.data()), std::streamsize(data.size()));
+    return bool(f.flush());
+}
+
+bool clearReadOnly(const fs::path& path) {
+    std::error_code ec;
+    auto status = fs::status(path, ec);
+    if (ec || !fs::exists(status)) return false;
+    if ((status.permissions() & fs::perms::owner_write) == fs::perms::none) {
+        fs::permissions(path, fs::perms::owner_write, fs::perm_options::add, ec);
+        if (ec) return false;
+    }
+    return true;
+}
+
+namespace {
+
+std::vector<std::string> splitRelative(std::string_view relative) {
+    std::vector<std::string> parts;
+    std::string current;
+    for (char c : relative) {
+        if (c == '\\' || c == '/') {
+            if (!current.empty()) parts.push_back(current);
+            current.clear();
+        } else {
+            current += c;
+        }
+    }
+    if (!current.empty()) parts.push_back(current);
+    return parts;
+}
+
+bool equalNoCase(std::string_view a, std::string_view b) {
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+               return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+           });
+}
+
+// Walks the components; `matchedAll` tells whether every one exists.
+fs::path resolve(const fs::path& folder, std::string_view relative, bool& matchedAll) {
+    fs::path current = folder;
+    matchedAll = true;
+    for (const std::string& part : splitRelative(relative)) {
+        std::error_code ec;
+        if (matchedAll && fs::exists(current / part, ec)) {
+            current /= part;
+            continue;
+        }
+        bool found = false;
+        if (matchedAll) {
+            for (auto it = fs::directory_iterator(current, ec); !ec && it != fs::directory_iterator(); it.increment(ec)) {
+                if (equalNoCase(it->path().filename().string(), part)) {
+                    current = it->path();
+                    found = true;
+                    break;
+                }
+            }
+        }
+        if (!found) {
+            matchedAll = false;
+            current /= part;
+        }
+    }
+    return current;
+}
+
+}  // namespace
+
+std::optional<fs::path> findGameFile(const fs::path& gameFolder, std::string_view relative) {
+    bool matched = false;
+    fs::path p = resolve(gameFolder, relative, matched);
+    if (!matched) return std::nullopt;
+    return p;
+}
+
+fs::path gameFilePath(const fs::path& gameFolder, std::string_view relative) {
+    bool matched = false;
+    return resolve(gameFolder, relative, matched);
+}
+
+}  // namespace tarvel

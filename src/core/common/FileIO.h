@@ -1,0 +1,35 @@
+#pragma once
+// Whole-file reads and writes, game file lookup and file attributes.
+
+#include "common/ByteIO.h"
+#include "common/Result.h"
+
+#include <filesystem>
+#include <optional>
+#include <string_view>
+
+namespace tarvel {
+
+// The whole file, or std::nullopt when it cannot be opened or read.
+std::optional<Bytes> readWholeFile(const std::filesystem::path& path);
+// Writes through a temporary file beside the target and renames it over the
+// target; on failure the target is left as it was and nothing is left behind.
+bool writeFileAtomically(const std::filesystem::path& path, std::span<const std::uint8_t> data);
+// Writes `data` at `offset` of an existing file without changing its length
+// beyond offset + size.
+bool patchFile(const std::filesystem::path& path, std::uint64_t offset, std::span<const std::uint8_t> data);
+
+// Makes a file writable (the read-only attribute cleared); true when it exists
+// and is writable afterwards.
+bool clearReadOnly(const std::filesystem::path& path);
+
+// Finds a file inside the game folder whatever the case of each component:
+// installations copied from CD have upper-case names, others lower-case.
+// `relative` may use backslashes ("GAMEJAMS\\BRZJAMS\\BRZ1.JAM"). Returns the
+// existing path, or std::nullopt.
+std::optional<std::filesystem::path> findGameFile(const std::filesystem::path& gameFolder, std::string_view relative);
+// As findGameFile, but when the file does not exist, the path it would have
+// (existing folders matched, the rest as given).
+std::filesystem::path gameFilePath(const std::filesystem::path& gameFolder, std::string_view relative);
+
+}  // namespace tarvel
