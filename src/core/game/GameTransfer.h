@@ -1,0 +1,68 @@
+#pragma once
+// Import from and export to the installed game: the numbered sequence of
+// transfer items (team data, liveries, helmets, menu helmets, colours, wheels,
+// other JAM files, ...), run behind a Progress that can abort between items.
+
+#include "carset/CarSet.h"
+#include "common/Config.h"
+#include "common/Progress.h"
+#include "common/Result.h"
+
+#include <array>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarvel {
+
+// Everything a transfer needs to know about the installation and the editor.
+struct GameContext {
+    std::filesystem::path gameFolder;     // the folder that holds GP2.EXE
+    int version = -1;                     // DetectGameVersion's result; -1 refuses every transfer
+    Config options;                       // ClearJam, FixGreen, ...
+    std::filesystem::path workingFolder;  // temporary files (JAM%.3d.BMP, MENU%.2d.BMP, ...)
+};
+
+enum class TransferDirection { Import, Export };
+
+constexpr int kTransferItemCount = kTransferItems;   // items 0-356
+
+// One row of the item table: a run of items sharing label, owner and game file.
+struct TransferItemInfo {
+    int item = 0;
+    std::string_view label;       // progress category, e.g. "Team Data"
+    std::string gameFile;         // relative to the game folder, backslashes ("GP2.EXE", "GAMEJAMS\\...")
+    std::string displayName;      // name in "File Not Found - %s." (e.g. "GP2.EXE", "CPITHI.PCX")
+    bool available = false;       // false: this build cannot transfer the item yet
+};
+
+// The item's row; item must be 0-356.
+TransferItemInfo transferItemInfo(int item);
+bool transferItemAvailable(int item);
+
+// Selects every available item (and only those) in set.transferItems.
+void selectAvailableTransferItems(CarSet& set);
+
+// Parses "0,1-14,47" into a selection. Unknown or malformed entries give
+// "Invalid value for %s." (arg "--items"); an item this build cannot transfer
+// gives MessageId::ItemNotAvailable with the item number as argument.
+Result<std::array<std::uint16_t, kTransferItemCount>> parseTransferItemList(std::string_view list);
+
+// Fills `set` from the game for every selected item of set.transferItems.
+// Failure: the message of the first failing item, "Import from Game Aborted."
+// when progress.aborted() turned true, "Unsupported Version." when the
+// context's version is -1, "File Not Found - %s." before anything is read.
+// What was read before a failure or an abort stays in the set; the import
+// copies (car number layout) are taken over only after full success.
+Status ImportFromGame(CarSet& set, const GameContext& context, Progress& progress);
+
+// Writes every selected item of set.transferItems into the game. Failure: as
+// for the import, with "Export to Game Aborted."; when an abort and an item
+// failure both happened, the returned message is the abort and `notices`
+// receives the item's message (to be shown after it). Nothing is written when
+// a game file is missing.
+Status ExportToGame(const CarSet& set, const GameContext& context, Progress& progress,
+                    std::vector<Message>* notices = nullptr);
+
+}  // namespace tarvel
