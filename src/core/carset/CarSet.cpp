@@ -81,6 +81,7 @@ void CarSet::resetToDefaults() {
     menuHelmets.fill(AssetSlot{});
     sounds.fill(AssetSlot{});
     for (auto& r : cockpitRecords) r.fill(0);
+    for (auto& d : cockpitDesigns) d.clear();
     recountAssets();
 
     // 5. Document state and pictures.

@@ -157,6 +157,8 @@ public:
     std::array<AssetSlot, kSoundSlots> sounds{};
     std::uint8_t wheelCount = 0, cockpitCount = 0, jamCount = 0, menuHelmetCount = 0, soundCount = 0;
     std::array<std::array<std::uint8_t, kCockpitRecordSize>, kCockpitSlots> cockpitRecords{};
+    // Cockpit items of status 3 (a custom design held in memory until saved).
+    std::array<std::vector<std::uint8_t>, kCockpitSlots> cockpitDesigns;
 
     // Pictures held in memory: the 14 team liveries (256 x 164) and the helmet
     // sheet (256 x 180), 8-bit palette indexes in BMP pixel order (bottom row

@@ -1,0 +1,77 @@
+#include "common/RunLength.h"
+
+namespace tarvel {
+
+namespace {
+
+// Length of the run of equal bytes starting at `i`, capped at the longest run
+// one pair can hold.
+inline std::size_t runAt(const std::uint8_t* p, std::size_t i, std::size_t n) {
+    std::size_t end = n - i > kRunLengthMaxRun ? i + kRunLengthMaxRun : n;
+    std::size_t j = i + 1;
+    while (j < end && p[j] == p[i]) ++j;
+    return j - i;
+}
+
+}  // namespace
+
+std::size_t runLengthCodedSize(std::span<const std::uint8_t> raw) {
+    const std::uint8_t* p = raw.data();
+    const std::size_t n = raw.size();
+    std::size_t size = 0;
+    for (std::size_t i = 0; i < n;) {
+        std::size_t run = runAt(p, i, n);
+        size += (run > 1 || p[i] > kRunLengthBase) ? 2 : 1;
+        i += run;
+    }
+    return size;
+}
+
+void runLengthEncode(std::span<const std::uint8_t> raw, Bytes& out) {
+    const std::uint8_t* p = raw.data();
+    const std::size_t n = raw.size();
+    std::size_t at = out.size();
+    // Worst case: every byte escaped.
+    out.resize(at + 2 * n);
+    std::uint8_t* o = out.data();
+    for (std::size_t i = 0; i < n;) {
+        std::size_t run = runAt(p, i, n);
+        std::uint8_t b = p[i];
+        if (run > 1 || b > kRunLengthBase) {
+            o[at++] = std::uint8_t(kRunLengthBase + run);
+            o[at++] = b;
+        } else {
+            o[at++] = b;
+        }
+        i += run;
+    }
+    out.resize(at);
+}
+
+bool runLengthDecode(std::span<const std::uint8_t> coded, Bytes& out, std::size_t maxOutput) {
+    const std::size_t n = coded.size();
+    std::size_t produced = 0;
+    for (std::size_t i = 0; i < n;) {
+        std::uint8_t c = coded[i++];
+        if (c <= kRunLengthBase) {
+            if (produced + 1 > maxOutput) return false;
+            out.push_back(c);
+            ++produced;
+            continue;
+        }
+        if (i >= n) return false;
+        std::size_t run = std::size_t(c) - kRunLengthBase;
+        if (run > maxOutput - produced) return false;
+        out.insert(out.end(), run, coded[i++]);
+        produced += run;
+    }
+    return true;
+}
+
+bool runLengthPays(std::size_t rawLength, std::size_t codedLength) {
+    // The limit is raw x 0.9 truncated, computed as the file format always has.
+    auto limit = static_cast<std::size_t>(static_cast<double>(rawLength) * 0.9);
+    return codedLength != 0 && codedLength < limit;
+}
+
+}  // namespace tarvel
