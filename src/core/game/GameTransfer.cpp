@@ -1,0 +1,226 @@
+#include "game/GameTransfer.h"
+
+#include "common/FileIO.h"
+#include "game/GameExecutable.h"
+#include "game/GameVersion.h"
+#include "game/StateFile.h"
+#include "game/TransferItems.h"
+
+#include <charconv>
+#include <optional>
+
+namespace tarvel {
+namespace {
+
+using Direction = TransferDirection;
+
+ExecutableTransferOptions exeOptions(const ItemCall& call) { return {call.context.version, call.useStateFile}; }
+
+Status importTeamData(CarSet& set, const ItemCall& call) {
+    if (call.useStateFile) {
+        Status names = ReadStateFileNames(set, call.context.gameFolder);
+        if (!names) return names;
+    }
+    return TransferExecutableTables(set, call.context.gameFolder, exeOptions(call), &call.progress);
+}
+
+Status exportTeamData(const CarSet& set, const ItemCall& call) {
+    if (call.useStateFile) {
+        Status names = WriteStateFileNames(set, call.context.gameFolder);
+        if (!names) return names;
+    }
+    return TransferExecutableTables(set, call.context.gameFolder, exeOptions(call), &call.progress);
+}
+
+// A failing colour table reads or writes GP2.EXE's own failure message.
+Status importCockpitColours(CarSet& set, const ItemCall& call) {
+    call.progress.setFile("GP2.EXE");
+    if (!ImportCockpitColours(set, call.context.gameFolder, exeOptions(call))) return fail(MessageId::CouldntReadGp2Exe);
+    return {};
+}
+Status exportCockpitColours(const CarSet& set, const ItemCall& call) {
+    call.progress.setFile("GP2.EXE");
+    if (!ExportCockpitColours(set, call.context.gameFolder, exeOptions(call), call.context.options.fixGreen))
+        return fail(MessageId::Gp2ExeNotPatched);
+    return {};
+}
+Status importPitCrewColours(CarSet& set, const ItemCall& call) {
+    call.progress.setFile("GP2.EXE");
+    if (!ImportPitCrewColours(set, call.context.gameFolder, exeOptions(call))) return fail(MessageId::CouldntReadGp2Exe);
+    return {};
+}
+Status exportPitCrewColours(const CarSet& set, const ItemCall& call) {
+    call.progress.setFile("GP2.EXE");
+    if (!ExportPitCrewColours(set, call.context.gameFolder, exeOptions(call), call.context.options.fixGreen))
+        return fail(MessageId::Gp2ExeNotPatched);
+    return {};
+}
+
+// The item table: runs of items with their label, game file and transfer functions.
+constexpr std::array<TransferItemRange, 16> kItemRanges{{
+    {0, 0, "Team Data", GameFileKind::Executable, importTeamData, exportTeamData},
+    {1, 14, "Car JAMs", GameFileKind::Jam, nullptr, nullptr},
+    {15, 15, "Helmets JAM", GameFileKind::Jam, nullptr, nullptr},
+    {16, 43, "Menu Helmets", GameFileKind::MenuFile, nullptr, nullptr},
+    {44, 44, "Cockpit Colours", GameFileKind::Executable, importCockpitColours, exportCockpitColours},
+    {45, 46, "Cockpits", GameFileKind::Cockpit, nullptr, nullptr},
+    {47, 47, "Pit Crew Colours", GameFileKind::Executable, importPitCrewColours, exportPitCrewColours},
+    {48, 51, "Wheel JAMs", GameFileKind::Jam, nullptr, nullptr},
+    {52, 52, "Car Settings", GameFileKind::Executable, nullptr, nullptr},
+    {53, 53, "Damage Data", GameFileKind::Executable, nullptr, nullptr},
+    {54, 54, "Camera Data", GameFileKind::Executable, nullptr, nullptr},
+    {55, 154, "Sound Effects", GameFileKind::SoundCatalogue, nullptr, nullptr},
+    {155, 155, "Game Settings", GameFileKind::Executable, nullptr, nullptr},
+    {156, 156, "Points Data", GameFileKind::Executable, nullptr, nullptr},
+    {157, 157, "Laps Data", GameFileKind::Executable, nullptr, nullptr},
+    {158, 356, "JAM Files", GameFileKind::Jam, nullptr, nullptr},
+}};
+
+static_assert(kItemRanges.front().first == 0 && kItemRanges.back().last == kTransferItemCount - 1);
+
+const TransferItemRange& rangeOf(int item) {
+    for (const auto& r : kItemRanges)
+        if (item >= r.first && item <= r.last) return r;
+    return kItemRanges.front();
+}
+
+bool selected(const CarSet& set, int item) { return set.transferItems[std::size_t(item)] != 0; }
+
+// Every selected item's game file must exist; it is made writable on the way.
+Status checkGameFiles(const CarSet& set, const GameContext& context) {
+    for (int item = 0; item < kTransferItemCount; ++item) {
+        if (!selected(set, item) || !transferItemAvailable(item)) continue;
+        TransferItemInfo info = transferItemInfo(item);
+        if (info.gameFile.empty()) continue;
+        auto path = findGameFile(context.gameFolder, info.gameFile);
+        if (!path) return fail(MessageId::FileNotFound, info.displayName);
+        clearReadOnly(*path);
+    }
+    return {};
+}
+
+struct RunOutcome {
+    bool aborted = false;
+    std::optional<Message> error;
+};
+
+template <class Set, class Run>
+RunOutcome runItems(Set& set, const GameContext& context, Progress& progress, bool useStateFile, Run run) {
+    RunOutcome outcome;
+    ItemCall call{0, context, useStateFile, progress};
+    for (int item = 0; item < kTransferItemCount; ++item) {
+        if (progress.aborted()) {
+            outcome.aborted = true;
+            break;
+        }
+        if (!selected(set, item) || !transferItemAvailable(item)) continue;
+        const TransferItemRange& range = rangeOf(item);
+        progress.setCategory(range.label);
+        call.item = item;
+        Status status = run(range, set, call);
+        if (!status) {
+            outcome.error = status.error();
+            break;
+        }
+    }
+    // An abort pressed during the last item still counts.
+    if (!outcome.error && !outcome.aborted && progress.aborted()) outcome.aborted = true;
+    return outcome;
+}
+
+bool anySelected(const CarSet& set, std::initializer_list<int> items) {
+    for (int item : items)
+        if (selected(set, item)) return true;
+    return false;
+}
+
+}  // namespace
+
+TransferItemInfo transferItemInfo(int item) {
+    TransferItemInfo info;
+    info.item = item;
+    if (item < 0 || item >= kTransferItemCount) return info;
+    const TransferItemRange& range = rangeOf(item);
+    info.label = range.label;
+    info.available = range.importItem != nullptr && range.exportItem != nullptr;
+    GameFileName name = transferItemGameFile(item, range.file);
+    info.gameFile = std::move(name.relative);
+    info.displayName = std::move(name.display);
+    return info;
+}
+
+bool transferItemAvailable(int item) {
+    if (item < 0 || item >= kTransferItemCount) return false;
+    const TransferItemRange& range = rangeOf(item);
+    return range.importItem != nullptr && range.exportItem != nullptr;
+}
+
+void selectAvailableTransferItems(CarSet& set) {
+    for (int item = 0; item < kTransferItemCount; ++item) set.transferItems[std::size_t(item)] = transferItemAvailable(item) ? 1 : 0;
+}
+
+Result<std::array<std::uint16_t, kTransferItemCount>> parseTransferItemList(std::string_view list) {
+    std::array<std::uint16_t, kTransferItemCount> selection{};
+    const auto invalid = [] { return fail(MessageId::InvalidField, "--items"); };
+    const auto number = [](std::string_view text, int& value) {
+        if (text.empty()) return false;
+        auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
+        return ec == std::errc() && end == text.data() + text.size() && value >= 0 && value < kTransferItemCount;
+    };
+    if (list.empty()) return invalid();
+    while (true) {
+        std::size_t comma = list.find(',');
+        std::string_view part = list.substr(0, comma);
+        int first = 0, last = 0;
+        std::size_t dash = part.find('-');
+        if (dash == std::string_view::npos) {
+            if (!number(part, first)) return invalid();
+            last = first;
+        } else if (!number(part.substr(0, dash), first) || !number(part.substr(dash + 1), last) || last < first) {
+            return invalid();
+        }
+        for (int item = first; item <= last; ++item) {
+            if (!transferItemAvailable(item)) return fail(MessageId::ItemNotAvailable, std::to_string(item));
+            selection[std::size_t(item)] = 1;
+        }
+        if (comma == std::string_view::npos) break;
+        list.remove_prefix(comma + 1);
+    }
+    return selection;
+}
+
+Status ImportFromGame(CarSet& set, const GameContext& context, Progress& progress) {
+    if (context.version < 0 || context.version >= kGameReleaseCount) return fail(MessageId::UnsupportedVersion);
+    if (Status files = checkGameFiles(set, context); !files) return files;
+    bool useStateFile = CheckStateFile(context.gameFolder);
+    RunOutcome outcome = runItems(set, context, progress, useStateFile,
+                                  [](const TransferItemRange& range, CarSet& s, const ItemCall& call) {
+                                      return range.importItem(s, call);
+                                  });
+    bool anything = false;
+    for (auto flag : set.transferItems) anything = anything || (flag != 0);
+    if (anything) set.markDirty();
+    if (outcome.aborted) return fail(MessageId::ImportAborted);
+    if (outcome.error) return fail(*outcome.error);
+    if (anySelected(set, {0, 44, 47})) set.carNumbers = set.carNumbersImport;
+    set.recountAssets();
+    return {};
+}
+
+Status ExportToGame(const CarSet& set, const GameContext& context, Progress& progress, std::vector<Message>* notices) {
+    if (context.version < 0 || context.version >= kGameReleaseCount) return fail(MessageId::UnsupportedVersion);
+    if (Status files = checkGameFiles(set, context); !files) return files;
+    bool useStateFile = CheckStateFile(context.gameFolder);
+    RunOutcome outcome = runItems(set, context, progress, useStateFile,
+                                  [](const TransferItemRange& range, const CarSet& s, const ItemCall& call) {
+                                      return range.exportItem(s, call);
+                                  });
+    if (outcome.aborted) {
+        if (outcome.error && notices) notices->push_back(*outcome.error);
+        return fail(MessageId::ExportAborted);
+    }
+    if (outcome.error) return fail(*outcome.error);
+    return {};
+}
+
+}  // namespace tarvel
