@@ -1,7 +1,173 @@
+#include "CarSetJson.h"
 #include "Cli.h"
 
-namespace tarvel::cli {
+#include "carset/CarSet.h"
+#include "carset/CarSetFile.h"
+#include "common/FileIO.h"
 
-std::vector<Command> carSetCommands() { return {}; }
+#include <iostream>
+#include <iterator>
+#include <optional>
+#include <sstream>
+
+namespace tarvel::cli {
+namespace {
+
+// Positional arguments and the value of "-o"; nullopt on an unknown option,
+// a repeated or valueless "-o", or a wrong number of positional arguments.
+struct Arguments {
+    std::vector<std::string> positional;
+    std::optional<std::string> output;
+};
+
+std::optional<Arguments> parseArguments(const std::vector<std::string>& args, std::size_t positionalCount) {
+    Arguments parsed;
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        const std::string& a = args[i];
+        if (a == "-o" || a == "--output") {
+            if (parsed.output || ++i >= args.size()) return std::nullopt;
+            parsed.output = args[i];
+        } else if (a.size() > 1 && a[0] == '-') {
+            return std::nullopt;
+        } else {
+            parsed.positional.push_back(a);
+        }
+    }
+    if (parsed.positional.size() != positionalCount) return std::nullopt;
+    return parsed;
+}
+
+CarSetFileOptions fileOptions(const Context& context) {
+    CarSetFileOptions options;
+    options.verifyChecksum = context.config.checkSum;
+    return options;
+}
+
+void printNotices(Context& context, const std::vector<Message>& notices) {
+    for (const Message& m : notices) context.err << messageText(m) << "\n";
+}
+
+// Loads a set, printing any notice the load leaves; the failure message otherwise.
+std::optional<CarSet> load(Context& context, const std::string& path) {
+    CarSet set;
+    std::vector<Message> notices;
+    Status loaded = loadCarSet(set, path, fileOptions(context), &notices);
+    printNotices(context, notices);
+    if (!loaded) {
+        failed(context, loaded.error());
+        return std::nullopt;
+    }
+    return set;
+}
+
+int save(Context& context, CarSet& set, const std::string& path) {
+    Status saved = saveCarSet(set, path, fileOptions(context));
+    return saved ? kExitOk : failed(context, saved.error());
+}
+
+constexpr std::string_view kNewUsage = "new OUT.GP2";
+constexpr std::string_view kCheckUsage = "check FILE.GP2";
+constexpr std::string_view kDumpUsage = "dump FILE.GP2 [-o OUT.json]";
+constexpr std::string_view kApplyUsage = "apply FILE.GP2 PATCH.json -o OUT.GP2";
+constexpr std::string_view kConvertUsage = "convert IN.GP2 OUT.GP2";
+
+int runNew(Context& context, const std::vector<std::string>& args) {
+    auto parsed = parseArguments(args, 1);
+    if (!parsed || parsed->output) return usageError(context, kNewUsage);
+    CarSet set;
+    return save(context, set, parsed->positional[0]);
+}
+
+int runCheck(Context& context, const std::vector<std::string>& args) {
+    auto parsed = parseArguments(args, 1);
+    if (!parsed || parsed->output) return usageError(context, kCheckUsage);
+    std::vector<Message> notices;
+    Result<int> version = checkCarSetFile(parsed->positional[0], fileOptions(context), &notices);
+    printNotices(context, notices);
+    if (!version) return failed(context, version.error());
+    context.out << *version << "\n";
+    return kExitOk;
+}
+
+int runDump(Context& context, const std::vector<std::string>& args) {
+    auto parsed = parseArguments(args, 1);
+    if (!parsed) return usageError(context, kDumpUsage);
+    auto set = load(context, parsed->positional[0]);
+    if (!set) return kExitFailed;
+    std::string text = carSetToJson(*set).dump(2) + "\n";
+    if (!parsed->output) {
+        context.out << text;
+        return kExitOk;
+    }
+    auto bytes = std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+    if (!writeFileAtomically(*parsed->output, bytes)) return failed(context, {MessageId::CouldntWriteFile, *parsed->output});
+    return kExitOk;
+}
+
+int runApply(Context& context, const std::vector<std::string>& args) {
+    auto parsed = parseArguments(args, 2);
+    if (!parsed || !parsed->output) return usageError(context, kApplyUsage);
+    const std::string& patchPath = parsed->positional[1];
+
+    std::string patchText;
+    if (patchPath == "-") {
+        if (!context.in) return failed(context, {MessageId::CouldntLoadFile, {}});
+        patchText.assign(std::istreambuf_iterator<char>(*context.in), std::istreambuf_iterator<char>());
+    } else {
+        auto bytes = readWholeFile(patchPath);
+        if (!bytes) return failed(context, {MessageId::FileNotFound, patchPath});
+        patchText.assign(bytes->begin(), bytes->end());
+    }
+    Json patch = Json::parse(patchText, nullptr, false);
+    if (patch.is_discarded() || !patch.is_object()) {
+        failed(context, {MessageId::CouldntLoadFile, {}});
+        context.err << "tarvel-cli: " << patchPath << " is not a JSON object\n";
+        return kExitFailed;
+    }
+
+    auto set = load(context, parsed->positional[0]);
+    if (!set) return kExitFailed;
+    Status applied = applyCarSetJson(*set, patch);
+    if (!applied) return failed(context, applied.error());
+    return save(context, *set, *parsed->output);
+}
+
+int runConvert(Context& context, const std::vector<std::string>& args) {
+    auto parsed = parseArguments(args, 2);
+    if (!parsed || parsed->output) return usageError(context, kConvertUsage);
+    auto set = load(context, parsed->positional[0]);
+    if (!set) return kExitFailed;
+    return save(context, *set, parsed->positional[1]);
+}
+
+std::string_view usageOf(std::string_view commandAndUsage) {
+    return commandAndUsage.substr(commandAndUsage.find(' ') + 1);
+}
+
+}  // namespace
+
+std::vector<Command> carSetCommands() {
+    return {
+        {"new", usageOf(kNewUsage), "writes the default car set",
+         "Writes a new car set with the editor's defaults to OUT.GP2.", runNew},
+        {"check", usageOf(kCheckUsage), "prints the format version of a car set file",
+         "Prints the format version of FILE.GP2 (180, 170 or 160) and exits 0, or prints\n"
+         "why the file cannot be read and exits 1. The checksum is verified unless\n"
+         "\"CheckSum\" is 0 (--set CheckSum=0).",
+         runCheck},
+        {"dump", usageOf(kDumpUsage), "the car set as JSON",
+         "Writes the car set as JSON to standard output or to OUT.json. Names are UTF-8;\n"
+         "numbers are the stored values (grips as stored, signed words signed).",
+         runDump},
+        {"apply", usageOf(kApplyUsage), "overwrites the fields a JSON patch names, saves",
+         "Loads FILE.GP2, overwrites every field that PATCH.json names (the shape of\n"
+         "`dump`; arrays of objects match by position, absent fields stay) and saves\n"
+         "the result as OUT.GP2. PATCH.json \"-\" reads standard input. A value that does\n"
+         "not fit its field is refused with a message naming it, and nothing is saved.",
+         runApply},
+        {"convert", usageOf(kConvertUsage), "loads any readable version, saves the current one",
+         "Loads IN.GP2 (format 180, 170 or 160) and saves it as OUT.GP2 in format 180.", runConvert},
+    };
+}
 
 }  // namespace tarvel::cli

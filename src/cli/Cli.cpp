@@ -5,10 +5,22 @@
 
 #include <algorithm>
 #include <iostream>
+#ifdef _WIN32
+#include <io.h>
+#else
 #include <unistd.h>
+#endif
 
 namespace tarvel::cli {
 namespace {
+
+bool standardErrorIsTerminal() {
+#ifdef _WIN32
+    return _isatty(2) != 0;
+#else
+    return isatty(2) != 0;
+#endif
+}
 
 std::vector<Command> allCommands() {
     std::vector<Command> all;
@@ -66,7 +78,21 @@ bool isGroupName(const std::vector<Command>& commands, std::string_view word) {
 
 }  // namespace
 
+int usageError(Context& context, std::string_view commandAndUsage) {
+    context.err << "Usage: tarvel-cli " << commandAndUsage << "\n";
+    return kExitUsage;
+}
+
+int failed(Context& context, const Message& message) {
+    context.err << messageText(message) << "\n";
+    return kExitFailed;
+}
+
 int run(const std::vector<std::string>& argv, std::ostream& out, std::ostream& err) {
+    return run(argv, std::cin, out, err);
+}
+
+int run(const std::vector<std::string>& argv, std::istream& in, std::ostream& out, std::ostream& err) {
     const std::vector<Command> commands = allCommands();
     std::filesystem::path configPath = defaultConfigPath();
     std::vector<std::pair<std::string, std::string>> overrides;
@@ -116,17 +142,15 @@ int run(const std::vector<std::string>& argv, std::ostream& out, std::ostream& e
         return kExitUsage;
     }
     std::vector<std::string> args(argv.begin() + std::ptrdiff_t(i + used), argv.end());
-    if (std::find(args.begin(), args.end(), "--help") != args.end()) {
+    if (std::find_if(args.begin(), args.end(), [](const std::string& a) { return a == "--help" || a == "-h"; }) !=
+        args.end()) {
         out << "Usage: tarvel-cli " << command->name << " " << command->usage << "\n\n" << command->help << "\n";
         return kExitOk;
     }
 
     IniFile ini(configPath);
-    Context context{readConfig(ini), configPath, out, err, bool(isatty(2))};
-    for (const auto& [key, value] : overrides) {
-        ini.setOverride(key, value);
-    }
-    context.config = readConfig(ini);
+    for (const auto& [key, value] : overrides) ini.setOverride(key, value);
+    Context context{readConfig(ini), configPath, out, err, &err == &std::cerr && standardErrorIsTerminal(), &in};
     return command->run(context, args);
 }
 

@@ -3,6 +3,7 @@
 // commands through one function returning its table.
 
 #include "common/Config.h"
+#include "common/Messages.h"
 
 #include <filesystem>
 #include <iosfwd>
@@ -20,6 +21,7 @@ struct Context {
     std::ostream& out;
     std::ostream& err;
     bool progressToTerminal = false;   // standard error is a terminal
+    std::istream* in = nullptr;        // standard input, for arguments given as "-"
 };
 
 struct Command {
@@ -36,5 +38,13 @@ std::vector<Command> gameCommands();
 
 // The whole tool; main() calls it with the real streams, the tests with string streams.
 int run(const std::vector<std::string>& argv, std::ostream& out, std::ostream& err);
+// As above, with the stream that "-" arguments read from.
+int run(const std::vector<std::string>& argv, std::istream& in, std::ostream& out, std::ostream& err);
+
+// Shared by the command tables: a usage error (the command's usage line on
+// standard error, exit status 2), and an operation's failure (its message text
+// on standard error, exit status 1).
+int usageError(Context& context, std::string_view commandAndUsage);
+int failed(Context& context, const Message& message);
 
 }  // namespace tarvel::cli
