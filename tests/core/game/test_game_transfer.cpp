@@ -1,0 +1,257 @@
+#include "GameTestSupport.h"
+#include "common/Messages.h"
+#include "game/GameTransfer.h"
+#include "game/StateFile.h"
+
+#include <gtest/gtest.h>
+
+namespace tarvel {
+namespace {
+namespace fs = std::filesystem;
+using namespace test;
+using test::fixture::at;
+
+class GameTransfer : public ::testing::Test {
+protected:
+    void makeGame(GameFixtureOptions options = {}) {
+        options.otherFiles = false;
+        context.gameFolder = makeTestGame(folder.path(), options);
+        context.version = options.release;
+        context.workingFolder = folder.path() / "work";
+        fs::create_directories(context.workingFolder);
+    }
+    void select(std::initializer_list<int> items) {
+        set.transferItems.fill(0);
+        for (int item : items) set.transferItems[std::size_t(item)] = 1;
+    }
+    fs::path exe() const { return folder.path() / "GP2.EXE"; }
+    fs::path state() const { return folder.path() / "F1GSTATE.SAV"; }
+
+    TempFolder folder{"transfer"};
+    GameContext context;
+    CarSet set;
+    RecordingProgress progress;
+};
+
+TEST_F(GameTransfer, ImportTakesNamesFromAValidStateFileAndPerformanceFromTheExecutable) {
+    makeGame();
+    select({0, 44, 47});
+    ASSERT_TRUE(ImportFromGame(set, context, progress));
+    EXPECT_EQ(fieldText(set.teams[0].name), "Save Team 00");
+    EXPECT_EQ(fieldText(set.drivers[1].name), "Save Driver 01");
+    EXPECT_EQ(set.teams[4].powerRace, fixtureRacePowerRaw(4) - 32817);
+    EXPECT_EQ(set.teams[2].teamBytesA[1], fixtureCockpitColour(7, true)) << "state file colours win";
+    EXPECT_EQ(set.teams[2].teamBytesB[3], fixturePitCrewColour(35));
+    EXPECT_EQ(set.carNumbers.partA[10], fixtureLayoutByte(10)) << "the import copy is taken over";
+    EXPECT_TRUE(set.document.dirty);
+    EXPECT_EQ(progress.categories, (std::vector<std::string>{"Team Data", "Cockpit Colours", "Pit Crew Colours"}));
+    ASSERT_FALSE(progress.files.empty());
+    EXPECT_EQ(progress.files.front(), "GP2.EXE");
+}
+
+TEST_F(GameTransfer, ImportWithoutOrWithABrokenStateFileUsesTheExecutable) {
+    for (bool present : {false, true}) {
+        GameFixtureOptions options;
+        options.stateFile = present;
+        options.validStateTrailer = false;
+        makeGame(options);
+        select({0, 44});
+        ASSERT_TRUE(ImportFromGame(set, context, progress));
+        EXPECT_EQ(fieldText(set.teams[0].name), "\xC9quipe Rouge");
+        EXPECT_EQ(fieldText(set.drivers[1].name), "Fran\xE7ois Le Pilote 1234");
+        EXPECT_EQ(set.teams[2].teamBytesA[1], fixtureCockpitColour(7, false));
+    }
+}
+
+TEST_F(GameTransfer, FailedImportKeepsTheFirstLayoutCopy) {
+    makeGame();
+    pokeFile(state(), fixture::kStateNumbers, std::array<std::uint8_t, 3>{0, 0, 0});
+    WriteStateFileChecksum(state());
+    select({0});
+    CarNumberLayout before = set.carNumbers;
+    auto result = ImportFromGame(set, context, progress);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().id, MessageId::BadDriverNumbers);
+    EXPECT_EQ(set.carNumbers, before);
+}
+
+TEST_F(GameTransfer, ExportWithTheStateFileWritesBothFiles) {
+    makeGame();
+    select({0, 44});
+    setFieldText(set.teams[3].name, "Both Files");
+    setFieldText(set.drivers[std::size_t(set.teams[3].driver[0])].name, "Named Twice");
+    set.teams[3].teamBytesA = {9, 8, 7};
+    ASSERT_TRUE(ExportToGame(set, context, progress));
+    Bytes exeBytes = readFileBytes(exe());
+    Bytes stateBytes = readFileBytes(state());
+    EXPECT_EQ(fieldAt(exeBytes, at(fixture::kNames, 0) + 960 + 39, 13), "Both Files");
+    EXPECT_EQ(fieldAt(stateBytes, fixture::kStateTeams + 39, 13), "Both Files");
+    int n = set.teams[3].driver[0];
+    EXPECT_EQ(fieldAt(exeBytes, at(fixture::kNames, 0) + 24 * std::uint32_t(n - 1), 24), "Named Twice");
+    EXPECT_EQ(fieldAt(stateBytes, fixture::kStateNames + 24 * std::uint32_t(n - 1), 24), "Named Twice");
+    EXPECT_EQ(stateBytes[fixture::kStateCockpit + 9], 9);
+    EXPECT_EQ(exeBytes[at(fixture::kCockpit, 0) + 11], 7);
+    EXPECT_TRUE(CheckStateFile(folder.path()));
+}
+
+TEST_F(GameTransfer, ExportWithoutAValidStateFileLeavesItAlone) {
+    GameFixtureOptions options;
+    options.validStateTrailer = false;
+    makeGame(options);
+    Bytes before = readFileBytes(state());
+    select({0, 44});
+    ASSERT_TRUE(ExportToGame(set, context, progress));
+    EXPECT_EQ(readFileBytes(state()), before);
+}
+
+TEST_F(GameTransfer, ExportThenImportRoundTripForEveryRelease) {
+    for (int release = 0; release < 7; ++release) {
+        GameFixtureOptions options;
+        options.release = release;
+        options.lowerCase = release % 2 == 1;
+        makeGame(options);
+        CarSet source;
+        for (int team = 0; team < 14; ++team) {
+            setFieldText(source.teams[std::size_t(team)].name, "\xC4quipe " + std::to_string(team));
+            source.teams[std::size_t(team)].powerQual = std::uint16_t(700 + team);
+            source.teams[std::size_t(team)].teamBytesB[3] = std::uint16_t(30 + team);
+        }
+        setFieldText(source.drivers[std::size_t(source.teams[0].driver[1])].name, "\xD1o\xF1o Mu\xF1oz Hern\xE1ndez Jr");
+        source.drivers[std::size_t(source.teams[0].driver[1])].gripQual = 23456;
+        source.transferItems.fill(0);
+        source.transferItems[0] = source.transferItems[44] = source.transferItems[47] = 1;
+        ASSERT_TRUE(ExportToGame(source, context, progress)) << "release " << release;
+
+        CarSet back;
+        back.transferItems = source.transferItems;
+        ASSERT_TRUE(ImportFromGame(back, context, progress)) << "release " << release;
+        for (int team = 0; team < 14; ++team) {
+            EXPECT_EQ(fieldText(back.teams[std::size_t(team)].name), fieldText(source.teams[std::size_t(team)].name));
+            EXPECT_EQ(back.teams[std::size_t(team)].powerQual, 700 + team);
+            EXPECT_EQ(back.teams[std::size_t(team)].teamOrder, source.teams[std::size_t(team)].teamOrder);
+            EXPECT_EQ(back.teams[std::size_t(team)].teamBytesB[3], 30 + team);
+            EXPECT_EQ(back.teams[std::size_t(team)].teamBytesA, source.teams[std::size_t(team)].teamBytesA);
+        }
+        const DriverRecord& driver = back.drivers[std::size_t(back.teams[0].driver[1])];
+        EXPECT_EQ(fieldText(driver.name), "\xD1o\xF1o Mu\xF1oz Hern\xE1ndez Jr");
+        EXPECT_EQ(driver.gripQual, 23456);
+        EXPECT_EQ(back.carNumbers, source.carNumbers);
+    }
+}
+
+TEST_F(GameTransfer, AbortDuringTheFirstItemStopsBeforeTheNext) {
+    makeGame();
+    select({0, 44});
+    progress.abortAfter = "Team Data";
+    auto before = set.teams[1].teamBytesA;
+    auto result = ImportFromGame(set, context, progress);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().id, MessageId::ImportAborted);
+    EXPECT_EQ(messageText(result.error()), "Import from Game Aborted.");
+    EXPECT_EQ(progress.categories, std::vector<std::string>{"Team Data"});
+    EXPECT_EQ(set.teams[1].teamBytesA, before);
+    EXPECT_EQ(fieldText(set.teams[0].name), "Save Team 00") << "what was read stays";
+
+    Bytes exeBefore = readFileBytes(exe());
+    RecordingProgress exportProgress;
+    exportProgress.abortAfter = "Team Data";
+    set.teams[1].teamBytesA = {3, 3, 3};
+    auto written = ExportToGame(set, context, exportProgress);
+    ASSERT_FALSE(written);
+    EXPECT_EQ(messageText(written.error()), "Export to Game Aborted.");
+    EXPECT_EQ(exportProgress.categories, std::vector<std::string>{"Team Data"});
+    EXPECT_EQ(readFileBytes(exe())[at(fixture::kCockpit, 0) + 3], exeBefore[at(fixture::kCockpit, 0) + 3]);
+}
+
+TEST_F(GameTransfer, MissingGameFileIsRefusedBeforeAnythingIsWritten) {
+    makeGame();
+    fs::remove(exe());
+    Bytes stateBefore = readFileBytes(state());
+    select({0});
+    auto result = ExportToGame(set, context, progress);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(messageText(result.error()), "File Not Found - GP2.EXE.");
+    EXPECT_TRUE(progress.categories.empty());
+    EXPECT_EQ(readFileBytes(state()), stateBefore) << "the state file is untouched";
+    EXPECT_EQ(ImportFromGame(set, context, progress).error().id, MessageId::FileNotFound);
+}
+
+TEST_F(GameTransfer, ReadOnlyFilesAreMadeWritable) {
+    makeGame();
+    fs::permissions(exe(), fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write, fs::perm_options::remove);
+    fs::permissions(state(), fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write, fs::perm_options::remove);
+    select({0});
+    setFieldText(set.teams[0].name, "Writable");
+    ASSERT_TRUE(ExportToGame(set, context, progress));
+    EXPECT_EQ(fieldAt(readFileBytes(exe()), at(fixture::kNames, 0) + 960, 13), "Writable");
+    EXPECT_EQ(fieldAt(readFileBytes(state()), fixture::kStateTeams, 13), "Writable");
+}
+
+TEST_F(GameTransfer, FailuresCarryTheItemsMessage) {
+    makeGame();
+    fs::resize_file(exe(), 1950000);
+    select({44});
+    EXPECT_EQ(messageText(ImportFromGame(set, context, progress).error()), "Couldn't Read Data from GP2.EXE.");
+    EXPECT_EQ(messageText(ExportToGame(set, context, progress).error()), "GP2.EXE was not Patched Correctly.");
+    select({0, 47});
+    RecordingProgress second;
+    EXPECT_FALSE(ExportToGame(set, context, second));
+    EXPECT_EQ(second.categories, std::vector<std::string>{"Team Data"}) << "no item runs after a failure";
+}
+
+TEST_F(GameTransfer, UnknownReleaseAndEmptySelection) {
+    makeGame();
+    select({});
+    Bytes before = readFileBytes(exe());
+    CarSet copy = set;
+    ASSERT_TRUE(ImportFromGame(set, context, progress));
+    ASSERT_TRUE(ExportToGame(set, context, progress));
+    EXPECT_TRUE(progress.categories.empty());
+    EXPECT_EQ(readFileBytes(exe()), before);
+    EXPECT_EQ(set.teams[0].powerRace, copy.teams[0].powerRace);
+    context.version = -1;
+    select({0});
+    EXPECT_EQ(messageText(ImportFromGame(set, context, progress).error()), "Unsupported Version.");
+    EXPECT_EQ(ExportToGame(set, context, progress).error().id, MessageId::UnsupportedVersion);
+}
+
+TEST(TransferItems, TableAndSelection) {
+    EXPECT_EQ(transferItemInfo(0).label, "Team Data");
+    EXPECT_EQ(transferItemInfo(0).gameFile, "GP2.EXE");
+    EXPECT_EQ(transferItemInfo(14).label, "Car JAMs");
+    EXPECT_EQ(transferItemInfo(15).displayName, "HELMETS1.JAM");
+    EXPECT_EQ(transferItemInfo(1).gameFile, "GAMEJAMS\\WILLIAMS.JAM");
+    EXPECT_EQ(transferItemInfo(45).displayName, "CPITHI.PCX");
+    EXPECT_EQ(transferItemInfo(46).gameFile, "BITMAPS\\CPITLOW.PCX");
+    EXPECT_EQ(transferItemInfo(30).displayName, "F1PCSVGA.BIN");
+    EXPECT_EQ(transferItemInfo(100).gameFile, "SOUND\\SAMPLE.CAT");
+    EXPECT_EQ(transferItemInfo(157).label, "Laps Data");
+    EXPECT_EQ(transferItemInfo(158).label, "JAM Files");
+    EXPECT_EQ(transferItemInfo(356).label, "JAM Files");
+    for (int item : {0, 44, 47}) EXPECT_TRUE(transferItemAvailable(item)) << item;
+    for (int item : {45, 46, 52, 53, 54, 55, 154, 155, 156, 157, -1, 357}) EXPECT_FALSE(transferItemAvailable(item)) << item;
+    CarSet set;
+    selectAvailableTransferItems(set);
+    for (int item = 0; item < kTransferItemCount; ++item)
+        EXPECT_EQ(set.transferItems[std::size_t(item)] != 0, transferItemAvailable(item)) << item;
+}
+
+TEST(TransferItems, ParseList) {
+    auto list = parseTransferItemList("0,44,47");
+    ASSERT_TRUE(list);
+    EXPECT_EQ((*list)[0], 1);
+    EXPECT_EQ((*list)[44], 1);
+    EXPECT_EQ((*list)[1], 0);
+    auto refused = parseTransferItemList("0,52-54");
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.error().id, MessageId::ItemNotAvailable);
+    EXPECT_EQ(refused.error().arg, "52");
+    for (std::string_view bad : {"", "x", "5-3", "357", "0,,44", "-1", "44-", "0 ,44"}) {
+        auto r = parseTransferItemList(bad);
+        ASSERT_FALSE(r) << bad;
+        EXPECT_EQ(r.error().id, MessageId::InvalidField) << bad;
+    }
+}
+
+}  // namespace
+}  // namespace tarvel

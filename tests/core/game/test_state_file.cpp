@@ -1,0 +1,164 @@
+#include "GameTestSupport.h"
+#include "common/Messages.h"
+#include "game/StateFile.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+
+namespace tarvel {
+namespace {
+namespace fs = std::filesystem;
+using namespace test;
+
+TEST(StateFileTrailer, SumAndRotatingValue) {
+    EXPECT_EQ(computeStateFileTrailer({}), (StateFileTrailer{0, 0}));
+    const std::uint8_t small[] = {1, 2, 3};
+    // 1; (1 << 3) + 2 = 10; (10 << 3) + 3 = 83.
+    EXPECT_EQ(computeStateFileTrailer(small), (StateFileTrailer{6, 83}));
+    // The rotation carries the top three bits round: 0x2000 << 3 wraps to 1.
+    const std::uint8_t wrap[] = {0x04, 0, 0, 0, 0};   // 4, 32, 256, 2048, 16384
+    EXPECT_EQ(computeStateFileTrailer(wrap).rolling, 16384);
+    const std::uint8_t wrap2[] = {0x04, 0, 0, 0, 0, 0};
+    EXPECT_EQ(computeStateFileTrailer(wrap2).rolling, 2);
+    const std::uint8_t ab[] = {7, 200}, ba[] = {200, 7};
+    EXPECT_EQ(computeStateFileTrailer(ab).sum, computeStateFileTrailer(ba).sum);
+    EXPECT_NE(computeStateFileTrailer(ab).rolling, computeStateFileTrailer(ba).rolling);
+}
+
+TEST(StateFileTrailer, AgreesWithTheFixtureOnLongPayloads) {
+    std::mt19937 rng(11);
+    Bytes data(20000 + 4);
+    for (auto& b : data) b = std::uint8_t(rng());
+    writeStateTrailer(data);
+    StateFileTrailer t = computeStateFileTrailer(std::span(data).first(data.size() - 4));
+    EXPECT_EQ(t.sum, u16At(data, data.size() - 4));
+    EXPECT_EQ(t.rolling, u16At(data, data.size() - 2));
+}
+
+class StateFile : public ::testing::Test {
+protected:
+    void write(const Bytes& data) {
+        std::ofstream out(path, std::ios::binary | std::ios::trunc);
+        out.write(reinterpret_cast<const char*>(data.data()), std::streamsize(data.size()));
+    }
+    TempFolder folder{"state"};
+    fs::path path = folder.path() / "F1GSTATE.SAV";
+};
+
+TEST_F(StateFile, PresentAbsentWrongTrailerReadOnly) {
+    EXPECT_EQ(stateFileState(folder.path()), StateFileState::Absent);
+    EXPECT_FALSE(CheckStateFile(folder.path()));
+    write(makeStateFile(true));
+    EXPECT_EQ(stateFileState(folder.path()), StateFileState::Valid);
+    write(makeStateFile(false));
+    EXPECT_EQ(stateFileState(folder.path()), StateFileState::Invalid);
+    write(Bytes{0, 0, 0, 0});
+    EXPECT_TRUE(CheckStateFile(folder.path())) << "an empty payload with a zero trailer is valid";
+    write(Bytes{0, 0, 0});
+    EXPECT_EQ(stateFileState(folder.path()), StateFileState::Invalid);
+
+    write(makeStateFile(true));
+    fs::permissions(path, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write, fs::perm_options::remove);
+    EXPECT_TRUE(CheckStateFile(folder.path()));
+    EXPECT_NE(fs::status(path).permissions() & fs::perms::owner_write, fs::perms::none) << "made writable by the test";
+}
+
+TEST_F(StateFile, LowerCaseName) {
+    std::ofstream(folder.path() / "f1gstate.sav", std::ios::binary).write("\0\0\0\0", 4);
+    EXPECT_TRUE(CheckStateFile(folder.path()));
+}
+
+TEST_F(StateFile, ChecksumUpdateRepairsTheTrailer) {
+    write(makeStateFile(false));
+    ASSERT_TRUE(WriteStateFileChecksum(path));
+    EXPECT_TRUE(CheckStateFile(folder.path()));
+    EXPECT_EQ(fs::file_size(path), kFixtureStateSize);
+    EXPECT_FALSE(WriteStateFileChecksum(folder.path() / "missing.sav"));
+}
+
+TEST_F(StateFile, ReadNamesAndNumbers) {
+    Bytes data = makeStateFile(true);
+    data[fixture::kStateNumbers + 5] = std::uint8_t(data[fixture::kStateNumbers + 5] + 128);
+    write(data);
+    CarSet set;
+    setFieldText(set.drivers[30].name, "untouched");
+    ASSERT_TRUE(ReadStateFileNames(set, folder.path()));
+    EXPECT_EQ(fieldText(set.teams[3].name), "Save Team 03");
+    EXPECT_EQ(fieldText(set.teams[13].engine), "Save Eng 13");
+    EXPECT_EQ(set.teams[2].driver[1], fixtureDriverNumber(2, 1));
+    EXPECT_EQ(set.teams[2].flagS[1], 1);
+    EXPECT_EQ(set.teams[2].flagS[0], 0);
+    EXPECT_EQ(fieldText(set.drivers[std::size_t(fixtureDriverNumber(6, 0))].name),
+              "Save Driver " + std::to_string(fixtureDriverNumber(6, 0)));
+    EXPECT_EQ(fieldText(set.drivers[30].name), "untouched") << "only the seated drivers are named";
+}
+
+TEST_F(StateFile, ReadRefusesBadNumbersAndShortFiles) {
+    Bytes data = makeStateFile(true);
+    data[fixture::kStateNumbers + 2] = 128;
+    write(data);
+    CarSet set;
+    auto result = ReadStateFileNames(set, folder.path());
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().id, MessageId::BadDriverNumbers);
+    data = makeStateFile(true);
+    data.resize(15000);
+    write(data);
+    EXPECT_EQ(ReadStateFileNames(set, folder.path()).error().id, MessageId::CouldntReadStateFile);
+    fs::remove(path);
+    EXPECT_EQ(ReadStateFileNames(set, folder.path()).error().id, MessageId::CouldntReadStateFile);
+}
+
+TEST_F(StateFile, WriteNamesNumbersMapAndTrailer) {
+    Bytes before = makeStateFile(true);
+    write(before);
+    fs::permissions(path, fs::perms::owner_write, fs::perm_options::remove);
+    CarSet set;
+    for (int team = 0; team < 14; ++team) {
+        setFieldText(set.teams[std::size_t(team)].name, "T\xE9" + std::to_string(team));
+        setFieldText(set.teams[std::size_t(team)].engine, "E" + std::to_string(team));
+        set.teams[std::size_t(team)].driver = {std::int16_t(team + 1 >= 13 ? team + 2 : team + 1), std::int16_t(team + 20)};
+        set.teams[std::size_t(team)].disabled = {0, 0};
+        set.teams[std::size_t(team)].flagS = {0, 0};
+    }
+    set.teams[4].disabled[0] = 1;
+    set.teams[6].flagS[1] = 1;
+    for (int n = 1; n <= 40; ++n) setFieldText(set.drivers[std::size_t(n)].name, "Racer " + std::to_string(n));
+    ASSERT_TRUE(WriteStateFileNames(set, folder.path()));
+    EXPECT_TRUE(CheckStateFile(folder.path()));
+    Bytes after = readFileBytes(path);
+    ASSERT_EQ(after.size(), before.size());
+    EXPECT_EQ(fieldAt(after, fixture::kStateTeams + 13 * 2, 13), "T\x82" "2");
+    EXPECT_EQ(after[fixture::kStateNumbers + 0], 1);
+    EXPECT_EQ(after[fixture::kStateNumbers + 8], 0) << "disabled seat";
+    EXPECT_EQ(fieldAt(after, fixture::kStateNames + 24 * 4, 24), "Racer 5") << "its driver is still named";
+    EXPECT_EQ(after[fixture::kStateNumbers + 13], 26 + 128);
+    EXPECT_EQ(after[fixture::kStateNumberMap - 1 + 26], 13);
+    EXPECT_EQ(after[fixture::kStateNumberMap - 1 + 1], 0);
+    EXPECT_EQ(after[fixture::kStateNumberMap - 1 + 20], 1);
+    EXPECT_EQ(after[fixture::kStateNumberMap - 1 + 40], 0) << "unused numbers map to nothing";
+    EXPECT_EQ(fieldAt(after, fixture::kStateNames + 24 * 12, 24), "Not Used");
+    EXPECT_EQ(fieldAt(after, fixture::kStateNames + 24 * 39, 24), "Spare40");
+    // Every byte outside the written tables and the trailer is kept.
+    for (std::size_t k = 0; k + 4 < after.size(); ++k) {
+        bool written = k >= fixture::kStateNumbers && k < fixture::kStateEngines + 14 * 13 &&
+                       !(k >= fixture::kStateCockpit && k < fixture::kStateCockpit + 42);
+        if (!written) ASSERT_EQ(after[k], before[k]) << "offset " << k;
+    }
+}
+
+TEST_F(StateFile, WriteRefusesAShortFile) {
+    Bytes data = makeStateFile(true);
+    data.resize(15700);
+    write(data);
+    CarSet set;
+    auto result = WriteStateFileNames(set, folder.path());
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().id, MessageId::StateFileNotPatched);
+    EXPECT_EQ(readFileBytes(path), data);
+}
+
+}  // namespace
+}  // namespace tarvel
