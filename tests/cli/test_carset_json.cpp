@@ -1,0 +1,175 @@
+#include "CarSetJson.h"
+
+#include "CarSetSamples.h"
+
+#include "carset/CarSet.h"
+
+#include <gtest/gtest.h>
+
+namespace tarvel::cli {
+namespace {
+
+TEST(CarSetJson, DumpHasTheDocumentedShape) {
+    CarSet set;
+    Json j = carSetToJson(set);
+    EXPECT_EQ(j["format"], "tarvel-carset");
+    EXPECT_EQ(j["version"], 1);
+    ASSERT_EQ(j["teams"].size(), 20u);
+    ASSERT_EQ(j["drivers"].size(), 40u);
+    const std::pair<const char*, std::size_t> sizes[] = {{"gameSettings", 11}, {"globalCarSettings", 11},
+                                                         {"cameras", 72},      {"damage", 33},
+                                                         {"points", 26},       {"laps", 16},
+                                                         {"carNumberLayout", 152}};
+    for (auto [name, size] : sizes) EXPECT_EQ(j[name].size(), size) << name;
+    const std::pair<const char*, std::size_t> assets[] = {
+        {"wheels", 4}, {"cockpits", 2}, {"jams", 218}, {"menuHelmets", 36}, {"sounds", 100}};
+    for (auto [name, size] : assets) {
+        EXPECT_EQ(j["assets"][name].size(), size) << name;
+        EXPECT_TRUE(j["counts"].contains(name)) << name;
+        EXPECT_TRUE(j["assets"][name][0].contains("status"));
+        EXPECT_TRUE(j["assets"][name][0].contains("path"));
+    }
+    for (const char* key : {"name", "engine", "powerRace", "powerQual", "failureProbability", "highNose",
+                            "teamBytesA", "teamBytesB", "driver", "disabled", "flagS", "teamOrder", "carBitmap",
+                            "slotIndex"})
+        EXPECT_TRUE(j["teams"][0].contains(key)) << key;
+    EXPECT_EQ(j["teams"][0]["teamBytesB"].size(), 16u);
+    EXPECT_EQ(j["teams"][19]["carBitmap"]["status"], 3);
+    EXPECT_EQ(j["teams"][2]["driver"], Json::parse("[5, 6]"));
+    EXPECT_EQ(j["drivers"][0]["number"], 1);
+    EXPECT_EQ(j["drivers"][39]["number"], 40);
+    EXPECT_EQ(j["drivers"][27]["name"], "Drivers Name");
+    EXPECT_EQ(j["drivers"][28]["name"], "");   // spare drivers start unnamed
+    EXPECT_EQ(j["carNumberLayout"][0], 244);
+    EXPECT_EQ(j["carNumberLayout"][128], 28);
+    for (const char* key : {"path", "hasFile", "dirty", "loadedVersion", "currentTeam"})
+        EXPECT_TRUE(j["document"].contains(key)) << key;
+}
+
+TEST(CarSetJson, TextIsUtf8AndSignedWordsAreSigned) {
+    CarSet set;
+    setFieldText(set.teams[1].name, "Ren\xE9 \x80");
+    set.information = "\x93Hi\x94";
+    set.settings.words[44] = 0xFFFB;       // camera 1 x
+    set.settings.words[44 + 5] = 0xFF4C;   // camera 1 roll: -180
+    set.settings.words[44 + 6] = 0xFFFF;   // camera 1 detail 1: a tuning value, unsigned
+    set.settings.words[188] = 0xFFFF;      // damage
+    set.settings.words[0] = 0xFFFF;        // game settings are unsigned
+    set.teams[0].teamOrder = -1;
+    Json j = carSetToJson(set);
+    EXPECT_EQ(j["teams"][1]["name"], "Ren\xC3\xA9 \xE2\x82\xAC");
+    EXPECT_EQ(j["information"], "\xE2\x80\x9CHi\xE2\x80\x9D");
+    EXPECT_EQ(j["cameras"][0], -5);
+    EXPECT_EQ(j["cameras"][5], -180);
+    EXPECT_EQ(j["cameras"][6], 65535);
+    EXPECT_EQ(j["damage"][0], -1);
+    EXPECT_EQ(j["gameSettings"][0], 65535);
+    EXPECT_EQ(j["teams"][0]["teamOrder"], -1);
+}
+
+TEST(CarSetJson, ApplyingADumpToADefaultSetReproducesIt) {
+    CarSet original;
+    scramble(original, 7);
+    original.jams[30].status = kAssetExternal;
+    setFieldText(original.jams[30].path, "/pics/\xE9t\xE9.bmp");
+    original.recountAssets();
+    Json dump = carSetToJson(original);
+
+    CarSet target;
+    ASSERT_TRUE(applyCarSetJson(target, dump));
+    expectSameTables(original, target);
+    EXPECT_EQ(target.jams[30].status, kAssetExternal);
+    EXPECT_EQ(target.jams[30].path, original.jams[30].path);
+    EXPECT_EQ(target.jamCount, 1);
+    EXPECT_TRUE(target.document.dirty);
+    // A dump of the result is the same but for the document state.
+    Json again = carSetToJson(target);
+    dump.erase("document");
+    again.erase("document");
+    EXPECT_EQ(again, dump);
+}
+
+TEST(CarSetJson, OnlyNamedFieldsChange) {
+    CarSet set;
+    scramble(set, 3);
+    CarSet expected = set;
+    Json patch = Json::parse(R"({"teams": [{}, {"powerRace": 900, "teamBytesB": [1, 2]}],
+                                 "drivers": [{"number": 1, "name": "Jos\u00e9"}], "cameras": [-1],
+                                 "carNumberLayout": [9]})");
+    ASSERT_TRUE(applyCarSetJson(set, patch));
+    expected.teams[1].powerRace = 900;
+    expected.teams[1].teamBytesB[0] = 1;
+    expected.teams[1].teamBytesB[1] = 2;
+    setFieldText(expected.drivers[1].name, "Jos\xE9");
+    expected.settings.words[44] = 0xFFFF;
+    expected.carNumbers.partA[0] = 9;
+    expectSameTables(expected, set);
+}
+
+TEST(CarSetJson, TextEqualToTheFieldKeepsBytesBehindItsTerminator) {
+    CarSet set;
+    set.menuHelmets[4].status = kAssetStored;
+    set.menuHelmets[4].path[2] = 4;   // a slot reference, not text
+    Json patch = carSetToJson(set);
+    ASSERT_TRUE(applyCarSetJson(set, patch));
+    EXPECT_EQ(set.menuHelmets[4].path[2], 4);
+    ASSERT_TRUE(applyCarSetJson(set, Json::parse(R"({"assets": {"menuHelmets": [{}, {}, {}, {}, {"path": "x"}]}})")));
+    EXPECT_EQ(set.menuHelmets[4].path[0], 'x');
+    EXPECT_EQ(set.menuHelmets[4].path[2], 0);
+}
+
+TEST(CarSetJson, ValuesThatDoNotFitAreRefusedByName) {
+    const std::pair<const char*, const char*> cases[] = {
+        {R"({"teams": [{}, {}, {}, {"name": "ABCDEFGHIJKLM"}]})", "teams[3].name"},             // 13 > 12
+        {R"({"teams": [{"engine": "\u0100"}]})", "teams[0].engine"},                             // not in 1252
+        {R"({"teams": [{"name": "a\u0000b"}]})", "teams[0].name"},
+        {R"({"teams": [{"powerRace": 65536}]})", "teams[0].powerRace"},
+        {R"({"teams": [{"powerQual": -1}]})", "teams[0].powerQual"},
+        {R"({"teams": [{"failureProbability": 32768}]})", "teams[0].failureProbability"},
+        {R"({"teams": [{"powerRace": 1.5}]})", "teams[0].powerRace"},
+        {R"({"teams": [{"powerRace": "760"}]})", "teams[0].powerRace"},
+        {R"({"teams": [{"driver": [1, 41]}]})", "teams[0].driver[1]"},
+        {R"({"teams": [{"teamBytesA": [1, 2, 3, 4]}]})", "teams[0].teamBytesA"},
+        {R"({"teams": [{"teamBytesB": [256]}]})", "teams[0].teamBytesB[0]"},
+        {R"({"teams": [{"teamOrder": 256}]})", "teams[0].teamOrder"},
+        {R"({"teams": [{"carBitmap": {"status": 5}}]})", "teams[0].carBitmap.status"},
+        {R"({"teams": [{"powerrace": 1}]})", "teams[0].powerrace"},
+        {R"({"teams": [7]})", "teams[0]"},
+        {R"({"drivers": [{}, {"number": 3}]})", "drivers[1].number"},
+        {R"({"drivers": [{"name": "123456789012345678901234"}]})", "drivers[0].name"},   // 24 > 23
+        {R"({"drivers": [{"gripRandom": 70000}]})", "drivers[0].gripRandom"},
+        {R"({"cameras": [0, 0, 0, 0, 0, -32769]})", "cameras[5]"},
+        {R"({"cameras": [0, 0, 0, 0, 0, 0, -1]})", "cameras[6]"},                       // tuning is unsigned
+        {R"({"damage": [32768]})", "damage[0]"},
+        {R"({"laps": [65536]})", "laps[0]"},
+        {R"({"points": [0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0]})",
+         "points"},
+        {R"({"carNumberLayout": [300]})", "carNumberLayout[0]"},
+        {R"({"hasInformation": 1})", "hasInformation"},
+        {R"({"assets": {"jams": [{"path": 5}]}})", "assets.jams[0].path"},
+        {R"({"assets": {"helmets": []}})", "assets.helmets"},
+        {R"({"document": {"currentTeam": 14}})", "document.currentTeam"},
+        {R"({"format": "other"})", "format"},
+        {R"({"version": 2})", "version"},
+        {R"({"colour": 1})", "colour"},
+    };
+    CarSet set;
+    scramble(set, 11);
+    const Json before = carSetToJson(set);
+    for (auto [patch, field] : cases) {
+        // A good change ahead of the bad one must not be kept either.
+        Json j = Json::parse(patch);
+        j["information"] = "changed";
+        Status status = applyCarSetJson(set, j);
+        ASSERT_FALSE(status) << patch;
+        EXPECT_EQ(messageText(status.error()), "Invalid value for " + std::string(field) + ".") << patch;
+        EXPECT_EQ(carSetToJson(set), before) << patch;
+    }
+    std::string longText(kInformationMax + 1, 'i');
+    EXPECT_FALSE(applyCarSetJson(set, Json{{"information", longText}}));
+    longText.pop_back();
+    EXPECT_TRUE(applyCarSetJson(set, Json{{"information", longText}}));
+}
+
+}  // namespace
+}  // namespace tarvel::cli
