@@ -1,0 +1,777 @@
+#include "carset/CarSetFile.h"
+
+#include "CarSetTestSupport.h"
+#include "carset/SettingsDefaults.h"
+#include "common/Checksum.h"
+#include "common/RunLength.h"
+#include "graphics/Bitmap.h"
+#include "graphics/JamCatalogue.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace tarvel {
+namespace {
+
+using test::makeWave;
+using test::ScratchFolder;
+namespace cf = carsetfile;
+
+CarSetFileOptions checked() { return CarSetFileOptions{}; }
+CarSetFileOptions unchecked() {
+    CarSetFileOptions o;
+    o.verifyChecksum = false;
+    return o;
+}
+
+// A set in which every stored field differs from its default.
+CarSet richSet() {
+    CarSet set;
+    std::mt19937 rng(99);
+    for (int k = 0; k < kTeamSlots; ++k) {
+        TeamRecord& t = set.teams[k];
+        setFieldText(t.name, "Team \xc9quipe" + std::to_string(k));
+        setFieldText(t.engine, "Mot\xf6r " + std::to_string(k));
+        t.powerRace = std::uint16_t(700 + k);
+        t.powerQual = std::uint16_t(1500 - k);
+        t.failureProbability = std::uint16_t(32767 - k);
+        t.highNose = std::uint16_t(k % 2);
+        for (int i = 0; i < 3; ++i) t.teamBytesA[i] = std::uint16_t(k * 3 + i);
+        for (int i = 0; i < 16; ++i) t.teamBytesB[i] = std::uint16_t(200 + i + k);
+        t.disabled = {std::uint16_t(k == 4), std::uint16_t(k == 9)};
+        t.flagS = {std::uint16_t(k % 3 == 0), std::uint16_t(k % 5 == 0)};
+        t.teamOrder = std::int16_t(19 - k);
+    }
+    for (int n = 1; n <= kDriverNumbers; ++n) {
+        DriverRecord& d = set.drivers[n];
+        setFieldText(d.name, "Dr\xefver \xd1umber " + std::to_string(n));
+        d.gripRace = std::uint16_t(16000 + n);
+        d.gripQual = std::uint16_t(32000 + n);
+        d.gripRandom = std::uint16_t(n * 11);
+        d.inUse = std::uint16_t(n % 2);
+    }
+    for (int w = 0; w < settings::kWords; ++w) set.settings.words[w] = std::uint16_t(w * 3 + 1);
+    for (std::size_t i = 0; i < set.carNumbers.partA.size(); ++i) set.carNumbers.partA[i] = std::uint8_t(i + 1);
+    for (std::size_t i = 0; i < set.carNumbers.partB.size(); ++i) set.carNumbers.partB[i] = std::uint8_t(255 - i);
+    set.hasInformation = true;
+    set.information = "About this set:\r\n\xe9t\xe9 1994";
+    for (int t = 0; t < kRacingTeams; ++t) {
+        auto& livery = set.liveries[t];
+        if (t % 2 == 0) livery.assign(kLiveryPixels, std::uint8_t(t));  // codes well
+        else
+            for (auto& p : livery) p = std::uint8_t(rng());  // stays raw
+    }
+    for (std::size_t i = 0; i < set.helmetSheet.size(); ++i) set.helmetSheet[i] = std::uint8_t(i / 1000);
+    return set;
+}
+
+// Stored ranges of the settings block.
+void expectSameStoredSettings(const CarSet& a, const CarSet& b) {
+    for (SettingsRange r : {settings::kGame, settings::kGlobalCar, settings::kCameras, settings::kDamage,
+                            settings::kPoints, settings::kLaps})
+        for (int i = r.first; i < r.first + r.count; ++i) EXPECT_EQ(a.settings.words[i], b.settings.words[i]) << i;
+}
+
+Bytes pictureFile(int width, int height, std::uint8_t seed) {
+    BitmapBuffer bitmap(width, height);
+    for (int r = 0; r < height; ++r)
+        for (int x = 0; x < width; ++x) bitmap.row(r)[x] = std::uint8_t(1 + (seed + x * 3 + r) % 150);
+    return encodeBitmapKeepingPalette(bitmap);
+}
+
+std::size_t directoryOffset(const Bytes& file, int entry) { return loadU32(&file[std::size_t(entry) + 1]); }
+
+TEST(CarSetFile, SaveAndLoadGiveTheSameSet) {
+    ScratchFolder dir;
+    CarSet original = richSet();
+    original.markDirty();
+    ASSERT_TRUE(saveCarSet(original, dir / "a.gp2", checked()));
+    EXPECT_FALSE(original.document.dirty);
+    EXPECT_TRUE(original.document.hasFile);
+
+    CarSet loaded;
+    loaded.document.currentTeam = 6;
+    ASSERT_TRUE(loadCarSet(loaded, dir / "a.gp2", checked()));
+    test::expectSameTables(original, loaded);
+    expectSameStoredSettings(original, loaded);
+    EXPECT_EQ(loaded.carNumbers, original.carNumbers);
+    EXPECT_TRUE(loaded.hasInformation);
+    EXPECT_EQ(loaded.information, original.information);
+    EXPECT_EQ(loaded.liveries, original.liveries);
+    EXPECT_EQ(loaded.helmetSheet, original.helmetSheet);
+    // Unfolded names win over the folded copy.
+    EXPECT_EQ(fieldText(loaded.teams[0].name), "Team \xc9quipe0");
+
+    // Statuses and document state after a load.
+    for (int i = 0; i < kTeamSlots; ++i) {
+        EXPECT_EQ(loaded.teams[i].slotIndex, i);
+        EXPECT_EQ(loaded.teams[i].carBitmap.status, i < kRacingTeams ? kAssetStored : kAssetNotStored);
+    }
+    EXPECT_TRUE(loaded.document.hasFile);
+    EXPECT_FALSE(loaded.document.dirty);
+    EXPECT_EQ(loaded.document.loadedVersion, 180);
+    EXPECT_EQ(loaded.document.path, dir / "a.gp2");
+    EXPECT_EQ(loaded.document.currentTeam, 6);
+    ASSERT_TRUE(loaded.document.openFile);
+    EXPECT_EQ(loaded.jamCount + loaded.soundCount + loaded.wheelCount + loaded.cockpitCount, 0);
+}
+
+TEST(CarSetFile, LayoutOfAWrittenFile) {
+    ScratchFolder dir;
+    CarSet set = richSet();
+    set.hasInformation = false;
+    set.liveries[0].assign(kLiveryPixels, 33);
+    ASSERT_TRUE(saveCarSet(set, dir / "a.gp2", checked()));
+    Bytes file = test::readFile(dir / "a.gp2");
+    ASSERT_GT(file.size(), 300u);
+
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(file.data()), 7), std::string("TARVEL\0", 7));
+    EXPECT_EQ(loadU16(&file[7]), 180);
+    EXPECT_EQ(file[9], 6);
+    for (int i = 10; i < 64; ++i) EXPECT_EQ(file[i], 0) << i;
+    for (int i = 114; i < 256; ++i) EXPECT_EQ(file[i], 0) << i;
+    EXPECT_EQ(file[64], 14);
+    EXPECT_EQ(directoryOffset(file, 64), 256u);
+    EXPECT_EQ(file[69], 1);
+    EXPECT_EQ(file[84], 1);
+    EXPECT_EQ(file[89], 1);
+    EXPECT_EQ(file[109], 1);
+    // Empty tables and no information: zero entries.
+    for (int entry : {74, 79, 94, 99, 104})
+        for (int i = 0; i < 5; ++i) EXPECT_EQ(file[std::size_t(entry + i)], 0) << entry;
+
+    // Livery section: map 1..14, then the offset table; team 0 codes to 1,334 bytes.
+    for (int t = 0; t < 14; ++t) EXPECT_EQ(file[256 + t], t + 1);
+    std::size_t team0 = loadU32(&file[256 + 14]);
+    EXPECT_EQ(team0, 256u + 14 + 56);
+    EXPECT_EQ(file[team0], 1);
+    EXPECT_EQ(loadU32(&file[team0 + 1]), 1334u);
+    std::size_t team1 = loadU32(&file[256 + 14 + 4]);
+    EXPECT_EQ(team1, team0 + 5 + 1334);
+    EXPECT_EQ(file[team1], 0);  // random pixels stay raw
+    EXPECT_EQ(loadU32(&file[team1 + 1]), std::uint32_t(kLiveryPixels));
+
+    // Team block: folded names first, unfolded names later.
+    std::size_t block = directoryOffset(file, 84);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(&file[block])), "Team Equipe0");
+    std::size_t drivers = block + 260 + 260 + 120 + 400 + 140;
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(&file[drivers])), "Driver Number 1");
+    std::size_t unfolded = drivers + 960 + 240 + 40;
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(&file[unfolded])), "Team \xc9quipe0");
+    EXPECT_EQ(file[block + 260 + 260 + 120 + 400], 19);          // teamOrder of team 0
+    EXPECT_EQ(file[block + 260 + 260 + 120 + 400 + 20 + 1], 3);  // first driver of team 1
+    EXPECT_EQ(file[block + 260 + 260 + 120 + 400 + 60 + 4], 1);  // first car of team 4 disabled
+    std::size_t layout = unfolded + 260 + 260 + 960;
+    EXPECT_EQ(file[layout], 1);
+    EXPECT_EQ(file[layout + 128], 255);
+
+    // Settings block: damage first, global car settings last.
+    std::size_t s = directoryOffset(file, 89);
+    EXPECT_EQ(s, layout + 152);
+    EXPECT_EQ(loadU16(&file[s]), set.settings.words[188]);
+    EXPECT_EQ(loadU16(&file[s + 66]), set.settings.words[254]);
+    EXPECT_EQ(loadU16(&file[s + 66 + 52]), set.settings.words[44]);
+    EXPECT_EQ(loadU16(&file[s + 66 + 52 + 144]), set.settings.words[306]);
+    EXPECT_EQ(loadU16(&file[s + 66 + 52 + 144 + 32]), set.settings.words[0]);
+    EXPECT_EQ(loadU16(&file[s + 336]), set.settings.words[32]);
+    EXPECT_EQ(file.size(), s + 338 + 4);
+    EXPECT_TRUE(checksumTrailerMatches(file));
+}
+
+TEST(CarSetFile, CompressionCanBeSwitchedOff) {
+    ScratchFolder dir;
+    CarSet set;
+    CarSetFileOptions raw = checked();
+    raw.compress = false;
+    ASSERT_TRUE(saveCarSet(set, dir / "raw.gp2", raw));
+    Bytes file = test::readFile(dir / "raw.gp2");
+    std::size_t team0 = loadU32(&file[256 + 14]);
+    EXPECT_EQ(file[team0], 0);
+    EXPECT_EQ(loadU32(&file[team0 + 1]), std::uint32_t(kLiveryPixels));
+    CarSet loaded;
+    ASSERT_TRUE(loadCarSet(loaded, dir / "raw.gp2", checked()));
+    EXPECT_EQ(loaded.liveries, set.liveries);
+}
+
+TEST(CarSetFile, FailureProbabilityIsClampedOnLoad) {
+    ScratchFolder dir;
+    CarSet set;
+    set.teams[1].failureProbability = 40000;
+    set.teams[2].failureProbability = 32767;
+    ASSERT_TRUE(saveCarSet(set, dir / "a.gp2", checked()));
+    CarSet loaded;
+    ASSERT_TRUE(loadCarSet(loaded, dir / "a.gp2", checked()));
+    EXPECT_EQ(loaded.teams[1].failureProbability, 32767);
+    EXPECT_EQ(loaded.teams[2].failureProbability, 32767);
+    EXPECT_EQ(loaded.teams[3].failureProbability, 5000);
+}
+
+// Every asset table taken from outside files, saved, and read back.
+class CarSetAssets : public ::testing::Test {
+protected:
+    void SetUp() override {
+        int wheelRows = JamInfo(kFirstWheelJam + 2, 0);
+        int jamRows = JamInfo(40, 0);
+        ASSERT_GT(wheelRows, 0);
+        ASSERT_GT(jamRows, 0);
+        test::writeFile(dir / "wheel.bmp", pictureFile(256, wheelRows, 3));
+        test::writeFile(dir / "jam.bmp", pictureFile(256, jamRows, 9));
+        test::writeFile(dir / "menu.bmp", pictureFile(104, 104, 5));
+        test::writeFile(dir / "a.wav", makeWave(5000, 1, 17));
+        test::writeFile(dir / "b.wav", makeWave(300, 200));
+        cockpit = Bytes(777);
+        for (std::size_t i = 0; i < cockpit.size(); ++i) cockpit[i] = std::uint8_t(i % 13 == 0 ? 220 : 4);
+        test::writeFile(dir / "cockpit.cpd", cockpit);
+
+        external(set.wheels[2], "wheel.bmp");
+        external(set.jams[40], "jam.bmp");
+        external(set.menuHelmets[7], "menu.bmp");
+        set.menuHelmets[8].status = kAssetNotStored;
+        external(set.sounds[0], "a.wav");
+        external(set.sounds[99], "b.wav");
+        external(set.cockpits[1], "cockpit.cpd");
+        set.cockpitRecords[1].fill(0x5A);
+        set.cockpitRecords[1][0] = 1;
+        set.cockpits[0].status = kAssetNotStored;
+        set.cockpitDesigns[0] = Bytes(64, 0xC8);
+        set.recountAssets();
+    }
+    void external(AssetSlot& slot, const std::string& name) {
+        slot.status = kAssetExternal;
+        setFieldText(slot.path.data(), slot.path.size(), (dir / name).string());
+    }
+    struct Item {
+        AssetKind kind;
+        int slot;
+    };
+    static constexpr Item kItems[] = {
+        {AssetKind::Wheel, 2},  {AssetKind::Jam, 40},    {AssetKind::MenuHelmet, 7}, {AssetKind::Sound, 0},
+        {AssetKind::Sound, 99}, {AssetKind::Cockpit, 1}, {AssetKind::Cockpit, 0},
+    };
+    std::vector<Bytes> readAll(const CarSet& s) {
+        std::vector<Bytes> items;
+        for (const Item& item : kItems) {
+            auto bytes = readAssetBytes(s, item.kind, item.slot);
+            EXPECT_TRUE(bytes) << int(item.kind) << "/" << item.slot;
+            items.push_back(bytes ? *bytes : Bytes{});
+        }
+        return items;
+    }
+
+    ScratchFolder dir;
+    CarSet set;
+    Bytes cockpit;
+};
+
+TEST_F(CarSetAssets, ExternalItemsAreReadInTheirStoredForm) {
+    auto items = readAll(set);
+    EXPECT_EQ(items[0].size(), 256u * JamInfo(17, 0));
+    EXPECT_EQ(items[1].size(), 256u * JamInfo(40, 0));
+    EXPECT_EQ(items[2].size(), 10816u);
+    // Bottom row first, as the bitmap holds it.
+    EXPECT_EQ(items[2][0], 1 + 5 % 150);
+    EXPECT_EQ(items[2][104], 1 + 6 % 150);
+    EXPECT_EQ(items[3], makeWave(5000, 1));  // the bytes behind the RIFF chunk are not part of it
+    EXPECT_EQ(items[4], makeWave(300, 200));
+    EXPECT_EQ(items[5], cockpit);
+    EXPECT_EQ(items[6], Bytes(64, 0xC8));
+    // Empty slots have no item.
+    EXPECT_FALSE(readAssetBytes(set, AssetKind::Sound, 1));
+    EXPECT_FALSE(readAssetBytes(set, AssetKind::Sound, 100));
+    EXPECT_FALSE(readAssetBytes(set, AssetKind::MenuHelmet, 8));
+}
+
+TEST_F(CarSetAssets, EveryKindIsStoredAndReadBackByteForByte) {
+    auto before = readAll(set);
+    ASSERT_TRUE(saveCarSet(set, dir / "set.gp2", checked()));
+
+    // The saved set now refers to the new file.
+    EXPECT_EQ(set.wheels[2].status, kAssetStored);
+    EXPECT_EQ(fieldText(set.wheels[2].path), "");
+    EXPECT_EQ(set.sounds[99].status, kAssetStored);
+    EXPECT_EQ(set.cockpits[0].status, kAssetStored);
+    EXPECT_EQ(set.menuHelmets[7].status, kAssetStored);
+    EXPECT_EQ(loadU16(reinterpret_cast<const std::uint8_t*>(set.menuHelmets[7].path.data()) + 2), 7);
+    EXPECT_EQ(set.menuHelmets[8].status, kAssetNotStored);
+    EXPECT_EQ(readAll(set), before);
+
+    Bytes file = test::readFile(dir / "set.gp2");
+    EXPECT_EQ(file[74], 1);
+    EXPECT_EQ(file[79], 1);
+    EXPECT_EQ(file[99], 2);
+    EXPECT_EQ(file[104], 2);
+    std::size_t jams = directoryOffset(file, 79);
+    for (int i = 0; i < 218; ++i) EXPECT_EQ(file[jams + i], i == 40 ? 1 : 0) << i;
+    std::size_t menu = directoryOffset(file, 109);
+    EXPECT_EQ(file[menu + 7], 2);
+    EXPECT_EQ(file[menu + 8], 3);
+    EXPECT_EQ(file[menu + 36 + 7], 1);
+    EXPECT_EQ(file[menu + 36 + 8], 0);
+
+    CarSet loaded;
+    ASSERT_TRUE(loadCarSet(loaded, dir / "set.gp2", checked()));
+    EXPECT_EQ(readAll(loaded), before);
+    EXPECT_EQ(loaded.wheelCount, 1);
+    EXPECT_EQ(loaded.jamCount, 1);
+    EXPECT_EQ(loaded.soundCount, 2);
+    EXPECT_EQ(loaded.cockpitCount, 2);
+    EXPECT_EQ(loaded.menuHelmetCount, 2);
+    EXPECT_EQ(loaded.menuHelmets[8].status, kAssetNotStored);
+    EXPECT_EQ(loaded.cockpitRecords[1], set.cockpitRecords[1]);
+    EXPECT_EQ(loaded.cockpitRecords[0], set.cockpitRecords[0]);
+
+    // A set loaded from a file can be saved again, items coming from that file.
+    ASSERT_TRUE(saveCarSet(loaded, dir / "copy.gp2", checked()));
+    EXPECT_EQ(test::readFile(dir / "copy.gp2"), file);
+}
+
+TEST_F(CarSetAssets, SavingOverTheOpenFileKeepsItsItems) {
+    auto before = readAll(set);
+    ASSERT_TRUE(saveCarSet(set, dir / "set.gp2", checked()));
+    CarSet loaded;
+    ASSERT_TRUE(loadCarSet(loaded, dir / "set.gp2", checked()));
+    loaded.teams[0].powerRace = 1234;
+    loaded.sounds[0] = AssetSlot{};  // one item dropped
+    loaded.recountAssets();
+    loaded.markDirty();
+    ASSERT_TRUE(saveCarSet(loaded, dir / "set.gp2", checked()));
+    EXPECT_FALSE(loaded.document.dirty);
+
+    CarSet again;
+    ASSERT_TRUE(loadCarSet(again, dir / "set.gp2", checked()));
+    EXPECT_EQ(again.teams[0].powerRace, 1234);
+    EXPECT_EQ(again.sounds[0].status, kAssetEmpty);
+    // The saved set reads its items from the new file.
+    EXPECT_FALSE(readAssetBytes(loaded, AssetKind::Sound, 0));
+    for (std::size_t i = 0; i < std::size(kItems); ++i) {
+        if (i == 3) continue;
+        auto item = readAssetBytes(loaded, kItems[i].kind, kItems[i].slot);
+        ASSERT_TRUE(item) << i;
+        EXPECT_EQ(*item, before[i]) << i;
+    }
+}
+
+TEST_F(CarSetAssets, OpenFileSurvivesRenameAndDelete) {
+    ASSERT_TRUE(saveCarSet(set, dir / "set.gp2", checked()));
+    auto before = readAll(set);
+    std::filesystem::rename(dir / "set.gp2", dir / "moved.gp2");
+    EXPECT_EQ(readAll(set), before);
+    std::filesystem::remove(dir / "moved.gp2");
+    EXPECT_EQ(readAll(set), before);
+}
+
+TEST_F(CarSetAssets, FailedSaveLeavesTheOldFileAndTheModel) {
+    ASSERT_TRUE(saveCarSet(set, dir / "set.gp2", checked()));
+    Bytes old = test::readFile(dir / "set.gp2");
+
+    CarSet edited = set;
+    edited.teams[0].powerRace = 999;
+    external(edited.sounds[5], "missing.wav");
+    edited.recountAssets();
+    edited.markDirty();
+    CarSet copy = edited;
+    auto status = saveCarSet(edited, dir / "set.gp2", checked());
+    ASSERT_FALSE(status);
+    EXPECT_EQ(status.error().id, MessageId::FileNotFound);
+    EXPECT_EQ(test::readFile(dir / "set.gp2"), old);
+    EXPECT_TRUE(edited.document.dirty);
+    EXPECT_EQ(edited.sounds[5].status, kAssetExternal);
+    EXPECT_EQ(edited.sounds[5].path, copy.sounds[5].path);
+    EXPECT_EQ(edited.document.openFile, copy.document.openFile);
+
+    // A folder that does not exist cannot take the file.
+    edited.sounds[5] = AssetSlot{};
+    auto nowhere = saveCarSet(edited, dir / "no-such-folder" / "x.gp2", checked());
+    ASSERT_FALSE(nowhere);
+    EXPECT_EQ(nowhere.error().id, MessageId::CouldntSaveCarSet);
+    EXPECT_TRUE(edited.document.dirty);
+    EXPECT_EQ(edited.document.path, dir / "set.gp2");
+    // No temporary file is left beside the target.
+    int files = 0;
+    for (auto& e : std::filesystem::directory_iterator(dir.path())) files += e.path().extension() == ".gp2" ? 1 : 0;
+    EXPECT_EQ(files, 1);
+}
+
+TEST_F(CarSetAssets, DamagedItemOffsetsGiveErrors) {
+    ASSERT_TRUE(saveCarSet(set, dir / "set.gp2", checked()));
+    Bytes file = test::readFile(dir / "set.gp2");
+    std::size_t sounds = directoryOffset(file, 99);
+    Bytes bad = file;
+    storeU32(&bad[sounds + 100], 0xFFFFFF00u);  // first sound points past the end
+    storeU32(&bad[sounds + 104], std::uint32_t(bad.size() - 6));  // second sound's length runs past the end
+    bad[sounds + 99] = 7;  // map position beyond the offset table is read from wherever it lands
+    test::writeFile(dir / "bad.gp2", bad);
+    CarSet loaded;
+    ASSERT_TRUE(loadCarSet(loaded, dir / "bad.gp2", unchecked()));
+    EXPECT_FALSE(readAssetBytes(loaded, AssetKind::Sound, 0));
+    EXPECT_FALSE(readAssetBytes(loaded, AssetKind::Sound, 99));
+
+    // A coded item that decodes to the wrong size.
+    bad = file;
+    std::size_t menu = directoryOffset(file, 109);
+    std::size_t item = loadU32(&bad[menu + 72]);
+    bad[item] = 1;
+    storeU32(&bad[item + 1], 2);
+    bad[item + 5] = 255;
+    test::writeFile(dir / "bad2.gp2", bad);
+    ASSERT_TRUE(loadCarSet(loaded, dir / "bad2.gp2", unchecked()));
+    auto helmet = readAssetBytes(loaded, AssetKind::MenuHelmet, 7);
+    ASSERT_FALSE(helmet);
+    EXPECT_EQ(helmet.error().id, MessageId::NotValidCarSet);
+}
+
+// --- checking and refusing files ------------------------------------------
+
+Bytes savedDefaultFile(const ScratchFolder& dir) {
+    CarSet set;
+    set.hasInformation = true;
+    set.information = "text";
+    EXPECT_TRUE(saveCarSet(set, dir / "good.gp2", checked()));
+    return test::readFile(dir / "good.gp2");
+}
+
+TEST(CarSetFileCheck, VersionsAndMagic) {
+    ScratchFolder dir;
+    Bytes good = savedDefaultFile(dir);
+    EXPECT_EQ(checkCarSetFile(dir / "good.gp2", checked()).value_or(0), 180);
+
+    auto check = [&](Bytes data, std::vector<Message>* notices = nullptr) {
+        test::writeFile(dir / "x.gp2", data);
+        return checkCarSetFile(dir / "x.gp2", unchecked(), notices);
+    };
+    Bytes v = good;
+    storeU16(&v[7], 181);
+    std::vector<Message> notices;
+    auto newer = check(v, &notices);
+    ASSERT_FALSE(newer);
+    EXPECT_EQ(newer.error().id, MessageId::NotValidCarSet);
+    ASSERT_EQ(notices.size(), 1u);
+    EXPECT_EQ(messageText(notices[0]), "This file requires Tarvel v1.81.");
+
+    for (int version : {179, 150, 100, 120, 0}) {
+        storeU16(&v[7], std::uint16_t(version));
+        notices.clear();
+        EXPECT_FALSE(check(v, &notices)) << version;
+        EXPECT_TRUE(notices.empty());
+    }
+    storeU16(&v[7], 170);
+    EXPECT_EQ(check(v).value_or(0), 170);
+
+    Bytes old(400, 0);
+    std::memcpy(old.data(), "120", 4);
+    EXPECT_FALSE(check(old));
+    std::memcpy(old.data(), "set", 4);
+    EXPECT_FALSE(check(old));
+    // The magic must end with its zero byte.
+    v = good;
+    v[6] = 'S';
+    EXPECT_FALSE(check(v));
+    EXPECT_FALSE(check(Bytes{}));
+    EXPECT_FALSE(check(Bytes{'T', 'A', 'R'}));
+
+    auto missing = checkCarSetFile(dir / "none.gp2", checked());
+    ASSERT_FALSE(missing);
+    EXPECT_EQ(messageText(missing.error()), "Couldn't Open Car Set File.");
+}
+
+TEST(CarSetFileCheck, ChecksumOption) {
+    ScratchFolder dir;
+    Bytes file = savedDefaultFile(dir);
+    // Change a team's power inside the team block.
+    std::size_t block = directoryOffset(file, 84);
+    file[block + 520] ^= 0x01;
+    test::writeFile(dir / "x.gp2", file);
+    CarSet set;
+    auto refused = loadCarSet(set, dir / "x.gp2", checked());
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(messageText(refused.error()), "File is not a valid Tarvel Car Set.");
+    EXPECT_FALSE(set.document.hasFile);
+    ASSERT_TRUE(loadCarSet(set, dir / "x.gp2", unchecked()));
+    EXPECT_EQ(set.teams[0].powerRace, 760 ^ 1);
+    // A wrong trailer alone.
+    file = savedDefaultFile(dir);
+    file.back() ^= 0x80;
+    test::writeFile(dir / "y.gp2", file);
+    EXPECT_FALSE(loadCarSet(set, dir / "y.gp2", checked()));
+    EXPECT_TRUE(loadCarSet(set, dir / "y.gp2", unchecked()));
+}
+
+TEST(CarSetFileCheck, TruncatedFilesAreRefusedAndLeaveTheSetAlone) {
+    ScratchFolder dir;
+    CarSet source = richSet();
+    ASSERT_TRUE(saveCarSet(source, dir / "good.gp2", checked()));
+    Bytes file = test::readFile(dir / "good.gp2");
+
+    CarSet set;
+    ASSERT_TRUE(loadCarSet(set, dir / "good.gp2", checked()));
+    set.teams[3].powerQual = 4;  // an unsaved edit
+    set.markDirty();
+    const CarSet before = set;
+
+    // Cut inside every section: header, livery map, liveries, helmet sheet,
+    // team block, settings, information text.
+    std::vector<std::size_t> cuts = {0, 5, 8, 100, 255, 256, 260, 300, 20000, 300000};
+    for (int entry : {69, 84, 89, 94}) {
+        std::size_t at = directoryOffset(file, entry);
+        cuts.insert(cuts.end(), {at, at + 1, at + 7});
+    }
+    cuts.push_back(file.size() - 6);
+    for (std::size_t cut : cuts) {
+        ASSERT_LT(cut, file.size() - 4);
+        SCOPED_TRACE(cut);
+        test::writeFile(dir / "cut.gp2", Bytes(file.begin(), file.begin() + std::ptrdiff_t(cut)));
+        for (const auto& options : {checked(), unchecked()}) {
+            auto status = loadCarSet(set, dir / "cut.gp2", options);
+            ASSERT_FALSE(status);
+            EXPECT_EQ(status.error().id, MessageId::NotValidCarSet);
+        }
+        EXPECT_EQ(set.teams[3].powerQual, 4);
+        EXPECT_TRUE(set.document.dirty);
+        EXPECT_EQ(set.document.openFile, before.document.openFile);
+        EXPECT_EQ(set.document.path, before.document.path);
+    }
+    test::expectSameTables(set, before);
+    EXPECT_EQ(set.liveries, before.liveries);
+    EXPECT_EQ(set.information, before.information);
+}
+
+TEST(CarSetFileCheck, HostileDirectoryAndLengths) {
+    ScratchFolder dir;
+    Bytes good = savedDefaultFile(dir);
+    auto load = [&](const Bytes& data) {
+        test::writeFile(dir / "h.gp2", data);
+        CarSet set;
+        return bool(loadCarSet(set, dir / "h.gp2", unchecked()));
+    };
+    ASSERT_TRUE(load(good));
+    Bytes bad = good;
+    storeU32(&bad[85], 0xFFFFFFF0u);  // team block far away
+    EXPECT_FALSE(load(bad));
+    bad = good;
+    bad[84] = 0;  // team block missing
+    EXPECT_FALSE(load(bad));
+    bad = good;
+    bad[256 + 3] = 200;  // livery map position beyond the table
+    EXPECT_FALSE(load(bad));
+    bad = good;
+    std::size_t sheet = directoryOffset(good, 69);
+    bad[sheet] = 7;  // neither raw nor coded
+    EXPECT_FALSE(load(bad));
+    bad = good;
+    storeU32(&bad[sheet + 1], 0xFFFFFFFFu);
+    EXPECT_FALSE(load(bad));
+    bad = good;
+    std::size_t menu = directoryOffset(good, 109);
+    bad[menu + 3] = 9;  // unknown menu helmet status
+    EXPECT_FALSE(load(bad));
+    // An information length beyond the file.
+    bad = good;
+    storeU16(&bad[directoryOffset(good, 94)], 60000);
+    EXPECT_FALSE(load(bad));
+    // Settings pointing into the trailer.
+    bad = good;
+    storeU32(&bad[90], std::uint32_t(good.size() - 10));
+    EXPECT_FALSE(load(bad));
+}
+
+// --- older versions, built from their layout -------------------------------
+
+struct OldFile {
+    ByteWriter w;
+    explicit OldFile(int version, int subVersion) {
+        w.bytes("TARVEL", 7);
+        w.u16(std::uint16_t(version));
+        w.u8(std::uint8_t(subVersion));
+        w.zeros(256 - w.size());
+    }
+    void entry(int at, std::uint8_t count) {
+        w.patchU8(std::size_t(at), count);
+        w.patchU32(std::size_t(at) + 1, std::uint32_t(w.size()));
+    }
+    void item(const Bytes& raw) {
+        w.u8(0);
+        w.u32(std::uint32_t(raw.size()));
+        w.bytes(raw.data(), raw.size());
+    }
+    void pictures() {
+        entry(64, 14);
+        for (int t = 1; t <= 14; ++t) w.u8(std::uint8_t(t));
+        std::size_t table = w.size();
+        w.zeros(56);
+        for (int t = 0; t < 14; ++t) {
+            w.patchU32(table + 4 * std::size_t(t), std::uint32_t(w.size()));
+            item(Bytes(kLiveryPixels, std::uint8_t(t + 1)));
+        }
+        entry(69, 1);
+        item(Bytes(kHelmetSheetPixels, 77));
+    }
+    // Team block of sub-version 3: folded names only, no car number layout.
+    void teamBlock() {
+        entry(84, 1);
+        for (int k = 0; k < 20; ++k) name("Old" + std::to_string(k), 13);
+        for (int k = 0; k < 20; ++k) name("Eng", 13);
+        for (int k = 0; k < 20; ++k) w.u16(std::uint16_t(600 + k));
+        for (int k = 0; k < 20; ++k) w.u16(std::uint16_t(610 + k));
+        for (int k = 0; k < 20; ++k) w.u16(k == 0 ? 50000 : 100);
+        w.zeros(20 + 60 + 320);
+        for (int k = 0; k < 20; ++k) w.u8(std::uint8_t(k));
+        for (int car = 0; car < 2; ++car)
+            for (int k = 0; k < 20; ++k) w.u8(std::uint8_t(2 * k + car + 1));
+        w.zeros(80);
+        for (int n = 1; n <= 40; ++n) name("Pilot" + std::to_string(n), 24);
+        for (int n = 1; n <= 40; ++n) w.u16(std::uint16_t(20000 + n));
+        for (int n = 1; n <= 40; ++n) w.u16(std::uint16_t(21000 + n));
+        for (int n = 1; n <= 40; ++n) w.u16(std::uint16_t(n));
+        for (int n = 1; n <= 40; ++n) w.u8(1);
+    }
+    void name(const std::string& text, std::size_t size) {
+        Bytes field(size, 0);
+        std::copy(text.begin(), text.end(), field.begin());
+        w.bytes(field.data(), size);
+    }
+    Bytes finish() {
+        appendChecksum(w.data());
+        return w.data();
+    }
+};
+
+TEST(CarSetFileOldVersions, Version170) {
+    ScratchFolder dir;
+    OldFile f(170, 3);
+    f.pictures();
+    // One JAM and one sound, read on demand like version 180's.
+    f.entry(79, 1);
+    Bytes jamMap(218, 0);
+    jamMap[19] = 1;
+    f.w.bytes(jamMap.data(), jamMap.size());
+    f.w.u32(std::uint32_t(f.w.size() + 4));
+    Bytes jam(256u * JamInfo(19, 0), 42);
+    f.item(jam);
+    // Cockpit slot 1 with its old colour record: 29 pairs of 32-bit values.
+    f.entry(104, 1);
+    f.w.u8(0);
+    f.w.u8(1);
+    f.w.u32(std::uint32_t(f.w.size() + 4));
+    for (int pair = 0; pair < 29; ++pair) {
+        f.w.u32(std::uint32_t(0x10000 + pair));
+        f.w.u32(std::uint32_t(500 + pair));
+        f.w.u32(0xDEADBEEF);
+    }
+    f.item(Bytes{9, 8, 7});
+    f.entry(89, 1);
+    for (int i = 0; i < 8; ++i) f.w.u16(std::uint16_t(100 + i));
+    f.w.u16(0xAAAA);  // skipped
+    f.w.u16(108);
+    for (int i = 0; i < 16; ++i) f.w.u16(std::uint16_t(40 + i));
+    for (int i = 0; i < 26; ++i) f.w.u16(std::uint16_t(26 - i));
+    f.teamBlock();
+    f.w.u8(1);  // DriverZero
+    f.w.u16(23);
+    f.w.u16(24);
+    f.w.u16(25);
+    f.w.u8(26);
+    f.w.u16(27);
+    f.w.u16(28);
+    f.w.u8(29);
+    f.w.u16(30);
+    for (int i = 0; i < 18; ++i) f.w.u8(std::uint8_t(i + 1));
+    for (int i = 0; i < 15; ++i) f.w.u16(std::uint16_t(1000 + i));
+    test::writeFile(dir / "old.gp2", f.finish());
+
+    EXPECT_EQ(checkCarSetFile(dir / "old.gp2", checked()).value_or(0), 170);
+    CarSet set;
+    ASSERT_TRUE(loadCarSet(set, dir / "old.gp2", checked()));
+    EXPECT_EQ(set.document.loadedVersion, 170);
+    EXPECT_EQ(fieldText(set.teams[5].name), "Old5");
+    EXPECT_EQ(set.teams[0].failureProbability, 32767);
+    EXPECT_EQ(set.teams[19].powerQual, 629);
+    EXPECT_EQ(set.teams[7].teamOrder, 7);
+    EXPECT_EQ(set.teams[7].driver[1], 16);
+    EXPECT_EQ(fieldText(set.drivers[40].name), "Pilot40");
+    EXPECT_EQ(set.drivers[3].gripQual, 21003);
+    EXPECT_EQ(set.carNumbers, defaultCarNumberLayout());
+    const auto& w = set.settings.words;
+    EXPECT_EQ(w[7], 107);
+    EXPECT_EQ(w[8], 108);
+    EXPECT_EQ(w[9], kDefaultGameSettings[9]);
+    EXPECT_EQ(w[306], 40);
+    EXPECT_EQ(w[321], 55);
+    EXPECT_EQ(w[254], 26);
+    EXPECT_TRUE(set.driverZero());
+    EXPECT_EQ(w[25], 25);
+    EXPECT_EQ(w[26], 26);
+    EXPECT_EQ(w[29], 29);
+    EXPECT_EQ(w[30], 30);
+    EXPECT_EQ(w[31], kDefaultGlobalCarSettings[9]);
+    EXPECT_EQ(w[188], 1);
+    EXPECT_EQ(w[205], 18);
+    EXPECT_EQ(w[206], 1000);
+    EXPECT_EQ(w[220], 1014);
+    EXPECT_EQ(w[44], std::uint16_t(kDefaultCameras[0]));
+    EXPECT_EQ(set.liveries[3], Bytes(kLiveryPixels, 4));
+    EXPECT_EQ(set.helmetSheet, Bytes(kHelmetSheetPixels, 77));
+
+    EXPECT_EQ(set.jamCount, 1);
+    EXPECT_EQ(readAssetBytes(set, AssetKind::Jam, 19).value_or(Bytes{}), jam);
+    EXPECT_EQ(set.cockpits[1].status, kAssetStored);
+    EXPECT_EQ(loadU16(&set.cockpitRecords[1][0]), 0);
+    EXPECT_EQ(loadU16(&set.cockpitRecords[1][2]), 500);
+    EXPECT_EQ(loadU16(&set.cockpitRecords[1][4 * 28]), 28);
+    EXPECT_EQ(loadU16(&set.cockpitRecords[1][4 * 28 + 2]), 528);
+    EXPECT_EQ(set.cockpitRecords[1][116], 0);
+    EXPECT_EQ(readAssetBytes(set, AssetKind::Cockpit, 1).value_or(Bytes{}), (Bytes{9, 8, 7}));
+
+    // Saved again it becomes a version 180 file with the same content.
+    ASSERT_TRUE(saveCarSet(set, dir / "new.gp2", checked()));
+    CarSet converted;
+    ASSERT_TRUE(loadCarSet(converted, dir / "new.gp2", checked()));
+    test::expectSameTables(set, converted);
+    EXPECT_EQ(readAssetBytes(converted, AssetKind::Jam, 19).value_or(Bytes{}), jam);
+    EXPECT_EQ(converted.cockpitRecords, set.cockpitRecords);
+}
+
+TEST(CarSetFileOldVersions, Version160) {
+    ScratchFolder dir;
+    OldFile f(160, 3);
+    f.pictures();
+    Bytes wheels[4];
+    f.entry(74, 4);
+    for (int i = 1; i <= 4; ++i) f.w.u8(std::uint8_t(i));
+    std::size_t table = f.w.size();
+    f.w.zeros(16);
+    for (int i = 0; i < 4; ++i) {
+        f.w.patchU32(table + 4 * std::size_t(i), std::uint32_t(f.w.size()));
+        wheels[i] = Bytes(256u * JamInfo(kFirstWheelJam + i, 0), std::uint8_t(i + 60));
+        f.item(wheels[i]);
+    }
+    // A JAM section that version 160 does not know is ignored.
+    f.entry(79, 1);
+    f.w.zeros(218);
+    f.entry(89, 1);
+    for (int i = 0; i < 11; ++i) f.w.u16(std::uint16_t(i + 1));
+    for (int i = 0; i < 16; ++i) f.w.u16(std::uint16_t(60 + i));
+    for (int i = 0; i < 6; ++i) f.w.u16(std::uint16_t(i));
+    f.entry(94, 1);
+    f.w.u16(5);
+    f.w.bytes("Hello", 5);
+    f.teamBlock();
+    test::writeFile(dir / "old.gp2", f.finish());
+
+    CarSet set;
+    ASSERT_TRUE(loadCarSet(set, dir / "old.gp2", checked()));
+    EXPECT_EQ(set.document.loadedVersion, 160);
+    EXPECT_TRUE(set.hasInformation);
+    EXPECT_EQ(set.information, "Hello");
+    EXPECT_EQ(set.settings.words[10], 11);
+    EXPECT_EQ(set.settings.words[321], 75);
+    EXPECT_EQ(set.settings.words[27], 5);
+    EXPECT_EQ(set.settings.words[28], kDefaultGlobalCarSettings[6]);
+    EXPECT_EQ(set.wheelCount, 4);
+    EXPECT_EQ(set.jamCount, 0);
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(readAssetBytes(set, AssetKind::Wheel, i).value_or(Bytes{}), wheels[i]);
+    EXPECT_EQ(fieldText(set.drivers[1].name), "Pilot1");
+}
+
+}  // namespace
+}  // namespace tarvel

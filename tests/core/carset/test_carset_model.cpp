@@ -1,0 +1,188 @@
+#include "carset/AsciiFold.h"
+#include "carset/CarSet.h"
+#include "carset/SettingsDefaults.h"
+#include "common/ByteIO.h"
+
+#include <gtest/gtest.h>
+
+namespace tarvel {
+namespace {
+
+TEST(CarSetModel, DefaultsOfANewSet) {
+    CarSet set;
+    set.markDirty();
+    set.teams[3].powerRace = 1;
+    set.resetToDefaults();
+    EXPECT_FALSE(set.document.dirty);
+    EXPECT_FALSE(set.document.hasFile);
+    for (int k = 0; k < kTeamSlots; ++k) {
+        SCOPED_TRACE(k);
+        const TeamRecord& t = set.teams[k];
+        EXPECT_EQ(fieldText(t.name), k < kRacingTeams ? "Team Name" : "");
+        EXPECT_EQ(fieldText(t.engine), k < kRacingTeams ? "Engine" : "");
+        EXPECT_EQ(t.powerRace, 760);
+        EXPECT_EQ(t.powerQual, 770);
+        EXPECT_EQ(t.failureProbability, 5000);
+        EXPECT_EQ(t.teamBytesA, (std::array<std::uint16_t, 3>{16, 48, 214}));
+        EXPECT_EQ(t.teamBytesB[2], 1);
+        EXPECT_EQ(t.teamBytesB[15], 32);
+        EXPECT_EQ(t.driver[0], 2 * k + 1);
+        EXPECT_EQ(t.driver[1], 2 * k + 2);
+        EXPECT_EQ(t.teamOrder, k);
+        EXPECT_EQ(t.carBitmap.status, k < kRacingTeams ? kAssetEmpty : kAssetNotStored);
+    }
+    for (int n = 1; n <= kDriverNumbers; ++n) {
+        SCOPED_TRACE(n);
+        const DriverRecord& d = set.drivers[n];
+        EXPECT_EQ(fieldText(d.name), n <= 28 ? "Drivers Name" : "");
+        EXPECT_EQ(d.gripRace, n <= 36 ? 30751 : 0);
+        EXPECT_EQ(d.gripRandom, n <= 36 ? 500 : 0);
+        EXPECT_EQ(d.inUse, n <= 36 ? 1 : 0);
+    }
+    EXPECT_EQ(set.carNumbers, defaultCarNumberLayout());
+    EXPECT_EQ(set.carNumbers.partB[0], 28);
+    EXPECT_EQ(loadU32(&set.carNumbers.partA[32 * 2 + 16]), 14u);  // fifth value of the third entry
+    EXPECT_EQ(set.jamCount + set.soundCount + set.wheelCount + set.cockpitCount + set.menuHelmetCount, 0);
+}
+
+TEST(CarSetModel, DriverFlagsFollowTheFirstEighteenSlots) {
+    CarSet set;
+    set.teams[0].driver[0] = 40;
+    set.teams[18].driver[0] = 1;  // slots 18 and 19 do not count
+    set.assignDriverFlags();
+    EXPECT_EQ(set.drivers[40].inUse, 1);
+    EXPECT_EQ(set.drivers[1].inUse, 0);
+    EXPECT_EQ(set.drivers[2].inUse, 1);
+    EXPECT_EQ(set.drivers[37].inUse, 0);
+    EXPECT_EQ(set.drivers[36].inUse, 1);
+}
+
+TEST(CarSetModel, PerformanceSnapshotRestoresTablesAndGlobalSettings) {
+    CarSet set;
+    set.teams[2].powerRace = 1500;
+    set.snapshotPerformance();
+    set.teams[2].powerRace = 1;
+    setFieldText(set.drivers[5].name, "Changed");
+    set.drivers[5].gripQual = 20000;
+    set.settings.words[settings::kDriverZero] = 1;
+    set.settings.words[32] = 77;
+    set.restorePerformance();
+    EXPECT_EQ(set.teams[2].powerRace, 1500);
+    EXPECT_EQ(fieldText(set.drivers[5].name), "Drivers Name");
+    EXPECT_EQ(set.drivers[5].gripQual, 30751);
+    EXPECT_FALSE(set.driverZero());
+    EXPECT_EQ(set.settings.words[32], kDefaultGlobalCarSettings[10]);
+}
+
+TEST(CarSetModel, SpareDriversTakeTheHighestFreeNumbers) {
+    CarSet set;
+    set.drivers.fill(DriverRecord{});
+    for (int t = 14; t < kTeamSlots; ++t) set.teams[t].driver = {0, 0};
+    // Teams use 1-27 and 40.
+    set.teams[13].driver[1] = 40;
+    set.assignSpareDrivers();
+    // Free numbers from 40 down, skipping 40: 39..32 fill positions 35..28.
+    EXPECT_EQ(set.spareDriverNumber(0), 32);
+    EXPECT_EQ(set.spareDriverNumber(1), 33);
+    EXPECT_EQ(set.spareDriverNumber(6), 38);
+    EXPECT_EQ(set.spareDriverNumber(7), 39);
+    EXPECT_EQ(set.teams[17].driver[1], 39);
+    EXPECT_EQ(set.teams[13].driver[1], 40);
+    for (int n = 32; n <= 39; ++n) {
+        EXPECT_EQ(fieldText(set.drivers[n].name), "Drivers Name");
+        EXPECT_EQ(set.drivers[n].gripQual, 30751);
+        EXPECT_EQ(set.drivers[n].gripRandom, 500);
+        EXPECT_EQ(set.drivers[n].inUse, 1);
+    }
+    EXPECT_EQ(set.drivers[40].inUse, 1);
+    EXPECT_EQ(set.drivers[28].inUse, 0);  // not referenced by anyone
+}
+
+TEST(CarSetModel, DisabledCarsRule) {
+    CarSet set;
+    setFieldText(set.teams[2].name, "Arrow");
+    setFieldText(set.teams[5].name, "Bolt");
+    // None disabled: allowed.
+    EXPECT_EQ(checkDisableCar(set, 2, 0).kind, DisableDecision::Allowed);
+    // A second car of the same team needs confirmation ...
+    set.teams[2].disabled[0] = 1;
+    auto second = checkDisableCar(set, 2, 1);
+    EXPECT_EQ(second.kind, DisableDecision::NeedsConfirmation);
+    EXPECT_EQ(second.text, "This will cause corruption on the\r\nin game 'Choose Driver/Team' menu.");
+    // ... except in the last team, and not in another team.
+    set.teams[2].disabled[0] = 0;
+    set.teams[13].disabled[0] = 1;
+    EXPECT_EQ(checkDisableCar(set, 13, 1).kind, DisableDecision::Allowed);
+    EXPECT_EQ(checkDisableCar(set, 4, 0).kind, DisableDecision::Allowed);
+    // Two already disabled: refused, listed in team order.
+    set.teams[13].disabled[0] = 0;
+    set.teams[5].disabled[0] = 1;
+    set.teams[2].disabled[1] = 1;
+    auto refused = checkDisableCar(set, 7, 0);
+    EXPECT_EQ(refused.kind, DisableDecision::Refused);
+    EXPECT_EQ(refused.text,
+              "Only 2 Cars can be Disabled.\r\n\r\nAlready Disabled :\r\n\r\n"
+              "Arrow - Second Driver\r\nBolt - First Driver");
+    // Flags of slots 14-19 are not counted.
+    set.teams[5].disabled[0] = 0;
+    set.teams[15].disabled[0] = 1;
+    EXPECT_EQ(checkDisableCar(set, 7, 0).kind, DisableDecision::Allowed);
+}
+
+TEST(CarSetModel, DriverListEntries) {
+    CarSet set;
+    setFieldText(set.drivers[1].name, "First");
+    setFieldText(set.drivers[2].name, "Second");
+    EXPECT_EQ(driverListEntry(set, 0, 0), "[01] First");
+    set.settings.words[settings::kDriverZero] = 1;
+    EXPECT_EQ(driverListEntry(set, 0, 0), "[00] First");
+    EXPECT_EQ(driverListEntry(set, 0, 1), "[02] Second");
+    set.teams[0].flagS[1] = 1;
+    set.teams[0].disabled[1] = 1;
+    EXPECT_EQ(driverListEntry(set, 0, 1), "[02] Second (S) (D)");
+}
+
+TEST(CarSetModel, FieldTextStaysInsideItsField) {
+    std::array<char, kTeamNameSize> field;
+    field.fill('x');
+    setFieldText(field, "A much longer name than fits");
+    EXPECT_EQ(fieldText(field), "A much longe");
+    EXPECT_EQ(field[12], '\0');
+    field.fill('y');  // no terminator at all
+    EXPECT_EQ(fieldText(field).size(), std::size_t(kTeamNameSize));
+}
+
+TEST(AsciiFold, AccentedLettersBecomePlain) {
+    const auto& t = asciiFoldTable();
+    for (int c = 0; c < 128; ++c) EXPECT_EQ(t[c], c);
+    EXPECT_EQ(t[131], 'f');
+    EXPECT_EQ(t[138], 'S');
+    EXPECT_EQ(t[169], 'c');
+    EXPECT_EQ(t[181], 'u');
+    for (int c = 192; c <= 198; ++c) EXPECT_EQ(t[c], 'A');
+    EXPECT_EQ(t[199], 'C');
+    EXPECT_EQ(t[215], 'x');
+    EXPECT_EQ(t[223], 'B');
+    for (int c = 224; c <= 230; ++c) EXPECT_EQ(t[c], 'a');
+    EXPECT_EQ(t[233], 'e');
+    EXPECT_EQ(t[241], 'n');
+    EXPECT_EQ(t[246], 'o');
+    EXPECT_EQ(t[248], 'o');
+    EXPECT_EQ(t[255], 'y');
+    // Not in the table: kept.
+    for (int c : {128, 132, 139, 160, 163, 171, 180, 182, 191, 247}) EXPECT_EQ(t[c], c) << c;
+}
+
+TEST(AsciiFold, NameFieldIsFoldedUpToItsTerminator) {
+    std::array<char, kTeamNameSize> field{};
+    const char name[] = "R\xe9nault \xc6";
+    std::copy(std::begin(name), std::end(name), field.begin());
+    field[11] = 'Z';  // junk after the terminator
+    std::uint8_t out[kTeamNameSize];
+    foldNameField(field.data(), out, kTeamNameSize);
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(out)), "Renault A");
+    for (std::size_t i = 9; i < kTeamNameSize; ++i) EXPECT_EQ(out[i], 0) << i;
+}
+
+}  // namespace
+}  // namespace tarvel
