@@ -1,0 +1,36 @@
+#!/bin/sh
+# Builds the editor if needed, starts it under a virtual X server with a
+# throw-away configuration and writes a screenshot to docs/screenshot.png.
+# Usage: scripts/screenshot.sh [BUILD_DIR] [CAR_SET.GP2]
+set -eu
+root=$(cd "$(dirname "$0")/.." && pwd)
+build=${1:-$root/build-app}
+carset=${2:-}
+if [ ! -x "$build/src/app/tarvel" ]; then
+    cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+fi
+ninja -C "$build" -j2 tarvel >/dev/null
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+# A configured game folder whose release is known keeps the configuration
+# dialog away; without one the dialog would cover the window.
+game="$work/game"
+if [ -x "$build/tests/make-test-game" ]; then
+    "$build/tests/make-test-game" "$game" --release 0 >/dev/null
+    printf '[Files]\nLocate GP2.EXE=%s/\n' "$game" >"$work/tarvel32.ini"
+else
+    printf '[Files]\nLocate GP2.EXE=X\n' >"$work/tarvel32.ini"
+fi
+
+cat >"$work/run.sh" <<INNER
+#!/bin/sh
+TARVEL_CONFIG="$work/tarvel32.ini" "$build/src/app/tarvel" $carset &
+pid=\$!
+sleep 3
+import -window root "$root/docs/screenshot.png"
+kill \$pid
+INNER
+chmod +x "$work/run.sh"
+xvfb-run -a -s "-screen 0 660x520x24" "$work/run.sh"
+echo "wrote $root/docs/screenshot.png"

@@ -1,0 +1,45 @@
+#include "shell/CarBitmapPopup.h"
+
+#include "shell/CommandTable.h"
+
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <array>
+
+namespace tarvel {
+namespace {
+
+struct PopupButton {
+    const char* text;
+    int id;
+};
+constexpr std::array<PopupButton, 6> kButtons{{
+    {"Load", command::CarLoad},
+    {"Save as", command::CarSaveAs},
+    {"Import", command::CarImport},
+    {"Export", command::CarExport},
+    {"View", command::CarPopupView},
+    {"Close", 0},
+}};
+
+}  // namespace
+
+CarBitmapPopup::CarBitmapPopup(QWidget* parent) : QDialog(parent, Qt::Popup) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(1, 1, 1, 1);
+    layout->setSpacing(0);
+    for (const PopupButton& spec : kButtons) {
+        auto* button = new QPushButton(spec.text, this);
+        button->setFixedSize(100, 21);
+        const int id = spec.id;
+        connect(button, &QPushButton::clicked, this, [this, id] {
+            chosen_ = id;
+            accept();
+        });
+        layout->addWidget(button);
+    }
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+}  // namespace tarvel

@@ -1,0 +1,48 @@
+#include "shell/Session.h"
+
+#include "common/IniFile.h"
+#include "game/GameVersion.h"
+#include "game/StateFile.h"
+
+#include <system_error>
+
+namespace tarvel {
+
+void Session::readConfiguration() {
+    std::error_code ec;
+    configFileExisted = std::filesystem::exists(configPath, ec);
+    IniFile ini(configPath);
+    config = readConfig(ini);
+}
+
+bool Session::writeConfiguration() const {
+    IniFile ini(configPath);
+    writeConfig(ini, config);
+    return ini.setString("Files", "Locate GP2.EXE", config.gameFolder.empty() ? "X" : config.gameFolder);
+}
+
+bool Session::writeGameFolder(const std::string& folder) const {
+    IniFile ini(configPath);
+    return ini.setString("Files", "Locate GP2.EXE", folder.empty() ? "X" : folder);
+}
+
+bool Session::writeAutoFile(const std::string& path) const {
+    IniFile ini(configPath);
+    return ini.setString("Files", "AutoFile", path);
+}
+
+bool Session::removeAutoFile() const {
+    IniFile ini(configPath);
+    return ini.deleteKey("Files", "AutoFile");
+}
+
+void Session::detectGame() {
+    gameVersion = config.gameFolder.empty() ? -1 : DetectGameVersion(config.gameFolder);
+    detectStateFile();
+}
+
+void Session::detectStateFile() {
+    useStateFile = !config.gameFolder.empty() && stateFileState(config.gameFolder) == StateFileState::Valid;
+}
+
+}  // namespace tarvel

@@ -1,0 +1,40 @@
+#pragma once
+// The process-wide state of one editor: configuration, where it lives, the
+// game's detected release, the working folder and the random numbers.
+
+#include "common/Config.h"
+#include "common/Rand.h"
+
+#include <ctime>
+#include <filesystem>
+
+namespace tarvel {
+
+struct Session {
+    std::filesystem::path configPath;
+    Config config;
+    bool configFileExisted = false;
+    int gameVersion = -1;            // -1: unknown release or no game folder
+    bool useStateFile = false;       // a valid F1GSTATE.SAV lies in the game folder
+    bool helpExists = false;         // tarvel32.hlp beside the program
+    std::filesystem::path helpFile;
+    std::filesystem::path workingFolder;
+    Rand rand;
+
+    // Reads the configuration file (missing keys take their defaults).
+    void readConfiguration();
+    // Writes every key the configuration dialog owns.
+    bool writeConfiguration() const;
+    // Writes the game folder alone (the dialog's Cancel).
+    bool writeGameFolder(const std::string& folder) const;
+    bool writeAutoFile(const std::string& path) const;
+    bool removeAutoFile() const;
+
+    // Detects the release of the configured game and whether its state file
+    // is valid; -1 without a game folder.
+    void detectGame();
+    void detectStateFile();
+    bool gameKnown() const { return gameVersion >= 0; }
+};
+
+}  // namespace tarvel
