@@ -33,7 +33,8 @@ void printToolHelp(std::ostream& out, const std::vector<Command>& commands) {
     out << "Usage: tarvel-cli [--config FILE] [--set KEY=VALUE]... COMMAND ARGS...\n\n"
            "Edits Tarvel car sets and carries them into and out of an installed game.\n\n"
            "Options:\n"
-           "  --config FILE    the configuration file (default: $TARVEL_CONFIG or ~/.config/tarvel32.ini)\n"
+           "  --config FILE    the configuration file (default: $TARVEL_CONFIG, else\n"
+           "                   $XDG_CONFIG_HOME/tarvel32.ini or ~/.config/tarvel32.ini)\n"
            "  --set KEY=VALUE  overrides one key of section \"Config\" (or \"Locate GP2.EXE\") for this run\n"
            "  --help           this text; COMMAND --help describes one command\n\n"
            "Commands:\n";
