@@ -94,7 +94,8 @@ int runDump(Context& context, const std::vector<std::string>& args) {
     if (!parsed) return usageError(context, kDumpUsage);
     auto set = load(context, parsed->positional[0]);
     if (!set) return kExitFailed;
-    std::string text = carSetToJson(*set).dump(2) + "\n";
+    // A file name that is not UTF-8 must not stop the dump.
+    std::string text = carSetToJson(*set).dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
     if (!parsed->output) {
         context.out << text;
         return kExitOk;

@@ -158,6 +158,14 @@ TEST_F(CliTest, DumpThenApplyGivesTheSameSet) {
     expectSameTables(loaded("orig.GP2"), loaded("piped.GP2"));
 }
 
+TEST_F(CliTest, DumpSurvivesAFileNameThatIsNotUtf8) {
+    ASSERT_EQ(cli({"new", at("caf\xE9.GP2")}).status, kExitOk);
+    Outcome dump = cli({"dump", at("caf\xE9.GP2")});
+    ASSERT_EQ(dump.status, kExitOk) << dump.err;
+    EXPECT_NE(Json::parse(dump.out)["document"]["path"].get<std::string>().find("caf\xEF\xBF\xBD.GP2"),
+              std::string::npos);
+}
+
 TEST_F(CliTest, ApplyRefusesBadValuesAndWritesNothing) {
     ASSERT_EQ(cli({"new", at("a.GP2")}).status, kExitOk);
     std::ofstream(at("bad.json")) << R"({"teams": [{}, {}, {}, {"name": "Much Too Long Team"}]})";
