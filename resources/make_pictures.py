@@ -156,7 +156,7 @@ def helmet():
     p.rect(6, 7, 14, 2, YELLOW_SHADE)
     p.rect(54, 7, 14, 2, YELLOW_SHADE)
     # Neck rim.
-    p.rect(0, 14, 74, 1, DARK_GREY)
+    p.rect(2, 14, 70, 1, DARK_GREY)
     return p
 
 

@@ -1,0 +1,163 @@
+#include "GraphicsTestSupport.h"
+#include "graphics/BuiltinPictures.h"
+#include "graphics/Helmets.h"
+
+#include <gtest/gtest.h>
+
+namespace tarvel::test {
+namespace {
+
+// A sheet whose every pixel tells its own position.
+BitmapBuffer numberedSheet() {
+    BitmapBuffer sheet = blankHelmetSheet();
+    for (int y = 0; y < 180; ++y)
+        for (int x = 0; x < 256; ++x) pixelAt(sheet, x, y) = std::uint8_t(x * 31 + y * 7);
+    return sheet;
+}
+
+// Top-left corner of helmet n counted from the top of the picture.
+std::pair<int, int> topLeft(int n) { return {74 * (n / 12), 15 * (n % 12)}; }
+
+TEST(HelmetSheet, LayoutIsThreeColumnsOfTwelve) {
+    EXPECT_EQ(helmetLeft(0), 0);
+    EXPECT_EQ(helmetBottomRow(0), 165);
+    EXPECT_EQ(helmetLeft(11), 0);
+    EXPECT_EQ(helmetBottomRow(11), 0);
+    EXPECT_EQ(helmetLeft(12), 74);
+    EXPECT_EQ(helmetLeft(27), 148);
+    EXPECT_EQ(helmetBottomRow(27), 15 * 8);
+}
+
+TEST(HelmetSheet, ExtractAndStoreCopyTheRectangle) {
+    BitmapBuffer sheet = numberedSheet();
+    BitmapBuffer single = blankSingleHelmet();
+    ExtractHelmet(sheet, 13, single);
+    auto [left, top] = topLeft(13);
+    for (int y = 0; y < 15; ++y)
+        for (int x = 0; x < 74; ++x) ASSERT_EQ(pixelAt(single, x, y), pixelAt(sheet, left + x, top + y));
+    BitmapBuffer other = blankHelmetSheet();
+    StoreHelmet(other, 26, single);
+    auto [l2, t2] = topLeft(26);
+    EXPECT_EQ(pixelAt(other, l2, t2), pixelAt(sheet, left, top));
+    EXPECT_EQ(pixelAt(other, l2 + 73, t2 + 14), pixelAt(sheet, left + 73, top + 14));
+    EXPECT_EQ(pixelAt(other, l2 - 1, t2), 0);
+    // Out-of-range numbers and wrong buffers are ignored.
+    BitmapBuffer before = other;
+    StoreHelmet(other, 28, single);
+    StoreHelmet(other, -1, single);
+    BitmapBuffer wrongSingle(74, 16);
+    StoreHelmet(other, 0, wrongSingle);
+    EXPECT_EQ(other.data, before.data);
+}
+
+TEST(HelmetSheet, RemovingOneHelmetLeavesNeighboursUntouched) {
+    BitmapBuffer sheet = numberedSheet();
+    BitmapBuffer original = sheet;
+    BitmapBuffer empty = blankSingleHelmet();
+    StoreHelmet(sheet, 16, empty);
+    auto [left, top] = topLeft(16);
+    int cleared = 0, changedOutside = 0;
+    for (int y = 0; y < 180; ++y)
+        for (int x = 0; x < 256; ++x) {
+            bool inside = x >= left && x < left + 74 && y >= top && y < top + 15;
+            if (inside) cleared += pixelAt(sheet, x, y) == 0;
+            else changedOutside += pixelAt(sheet, x, y) != pixelAt(original, x, y);
+        }
+    EXPECT_EQ(cleared, 74 * 15);
+    EXPECT_EQ(changedOutside, 0);
+}
+
+TEST(HelmetSheet, SwapExchangesRectanglesAndSelfSwapDoesNothing) {
+    BitmapBuffer sheet = numberedSheet();
+    BitmapBuffer original = sheet;
+    SwapHelmets(sheet, 5, 5);
+    EXPECT_EQ(sheet.data, original.data);
+    SwapHelmets(sheet, 0, 27);
+    auto [l0, t0] = topLeft(0);
+    auto [l27, t27] = topLeft(27);
+    for (int y = 0; y < 15; ++y)
+        for (int x = 0; x < 74; ++x) {
+            ASSERT_EQ(pixelAt(sheet, l0 + x, t0 + y), pixelAt(original, l27 + x, t27 + y));
+            ASSERT_EQ(pixelAt(sheet, l27 + x, t27 + y), pixelAt(original, l0 + x, t0 + y));
+        }
+    SwapHelmets(sheet, 27, 0);
+    EXPECT_EQ(sheet.data, original.data);
+}
+
+TEST(HelmetSheet, BuiltinHelmetUsesTheRecolouredIndexes) {
+    BitmapBuffer single = builtinSingleHelmet();
+    int yellow = 0, shade = 0;
+    for (std::size_t i = 0; i < single.pixelBytes(); ++i) {
+        yellow += single.pixels()[i] == 61;
+        shade += single.pixels()[i] == 52;
+    }
+    EXPECT_GT(yellow, 100);
+    EXPECT_GT(shade, 20);
+}
+
+TEST(HelmetSheet, DefaultSheetColouringsAndFirstByteQuirk) {
+    BitmapBuffer sheet = BuildDefaultHelmetSheet();
+    BitmapBuffer builtin = builtinSingleHelmet();
+    auto expectedPixel = [&](int colouring, std::size_t index) {
+        std::uint8_t p = builtin.pixels()[index];
+        if (index == 0) return p;   // the first pixel byte is never recoloured
+        if (colouring >= 1) p = p == 61 ? 221 : p == 52 ? 217 : p;
+        if (colouring >= 2) p = p == 221 ? 30 : p == 217 ? 25 : p;
+        return p;
+    };
+    int colouringOf[28];
+    for (int n : {0, 3, 6, 9, 13, 16, 19, 22, 26}) colouringOf[n] = 0;
+    for (int n : {2, 5, 8, 11, 12, 15, 18, 21, 25}) colouringOf[n] = 1;
+    for (int n : {1, 4, 7, 10, 14, 17, 20, 23, 24, 27}) colouringOf[n] = 2;
+    BitmapBuffer single = blankSingleHelmet();
+    for (int n = 0; n < 28; ++n) {
+        ExtractHelmet(sheet, n, single);
+        int wrong = 0;
+        for (int r = 0; r < 15; ++r)
+            for (int x = 0; x < 74; ++x) {
+                std::size_t index = std::size_t(r) * 76 + std::size_t(x);
+                wrong += single.pixels()[index] != expectedPixel(colouringOf[n], index);
+            }
+        EXPECT_EQ(wrong, 0) << "helmet " << n;
+    }
+    // Pixels outside the 28 rectangles stay 0.
+    for (int y = 0; y < 180; ++y)
+        for (int x = 222; x < 256; ++x) ASSERT_EQ(pixelAt(sheet, x, y), 0);
+    for (int y = 60; y < 180; ++y) ASSERT_EQ(pixelAt(sheet, 150, y), 0) << y;
+}
+
+TEST(HelmetSheet, FirstPixelQuirkIsVisibleInTheDefaultSheet) {
+    // The built-in helmet's bottom-left pixel is the shell's shade (52), so
+    // every recoloured helmet keeps that one pixel while its neighbours change.
+    ASSERT_EQ(kBuiltinHelmetPixels[0], 52);
+    ASSERT_EQ(kBuiltinHelmetPixels[76], 52);
+    BitmapBuffer sheet = BuildDefaultHelmetSheet();
+    for (int n : {1, 2}) {
+        auto [left, top] = topLeft(n);
+        EXPECT_EQ(pixelAt(sheet, left, top + 14), 52) << n;
+        EXPECT_EQ(pixelAt(sheet, left, top + 13), n == 2 ? 217 : 25) << n;
+    }
+}
+
+TEST(HelmetFiles, SheetAndSingleSizesAreEnforced) {
+    TempFolder dir;
+    GraphicsOptions options;
+    ASSERT_TRUE(SaveSingleHelmet(dir / "one.bmp", builtinSingleHelmet(), options));
+    auto one = LoadSingleHelmet(dir / "one.bmp");
+    ASSERT_TRUE(one);
+    EXPECT_EQ(one->data, builtinSingleHelmet().data);
+    EXPECT_FALSE(LoadHelmetSheet(dir / "one.bmp"));
+    ASSERT_TRUE(SaveBitmap8(dir / "tall.bmp", BitmapBuffer(74, 16), options));
+    ASSERT_TRUE(SaveBitmap8(dir / "wide.bmp", BitmapBuffer(75, 15), options));
+    EXPECT_FALSE(LoadSingleHelmet(dir / "tall.bmp"));
+    EXPECT_FALSE(LoadSingleHelmet(dir / "wide.bmp"));
+    EXPECT_FALSE(SaveHelmetSheet(dir / "x.bmp", builtinSingleHelmet(), options));
+    BitmapBuffer sheet = BuildDefaultHelmetSheet();
+    ASSERT_TRUE(SaveHelmetSheet(dir / "sheet.bmp", sheet, options));
+    auto back = LoadHelmetSheet(dir / "sheet.bmp");
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->data, sheet.data);
+}
+
+}  // namespace
+}  // namespace tarvel::test
