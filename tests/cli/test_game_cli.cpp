@@ -28,7 +28,6 @@ protected:
         return {status, out.str(), err.str()};
     }
     std::string game(test::GameFixtureOptions options = {}) {
-        options.otherFiles = false;
         return test::makeTestGame(folder.path() / "game", options);
     }
     std::string newSet() {

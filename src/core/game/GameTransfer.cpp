@@ -1,11 +1,18 @@
 #include "game/GameTransfer.h"
 
+#include "carset/CarSetFile.h"
+#include "carset/CarSetPictures.h"
+#include "carset/WorkingFolder.h"
 #include "common/FileIO.h"
+#include "graphics/Jam.h"
+#include "graphics/JamCatalogue.h"
+#include "graphics/MenuHelmet.h"
 #include "game/GameExecutable.h"
 #include "game/GameVersion.h"
 #include "game/StateFile.h"
 #include "game/TransferItems.h"
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 
@@ -56,16 +63,97 @@ Status exportPitCrewColours(const CarSet& set, const ItemCall& call) {
     return {};
 }
 
+GraphicsOptions pictureOptions(const ItemCall& call) { return graphicsOptions(call.context.options); }
+
+void setSlot(AssetSlot& slot, const std::filesystem::path& path) {
+    slot.status = kAssetExternal;
+    setFieldText(slot.path, path.string());
+}
+
+// A picture of the set's slot as a bitmap: the slot's bottom-up pixel rows from
+// wherever its status says they are.
+Result<BitmapBuffer> slotBitmap(const CarSet& set, AssetKind kind, int slot, int width, int height) {
+    auto pixels = readAssetBytes(set, kind, slot);
+    if (!pixels) return fail(pixels.error());
+    BitmapBuffer bitmap(width, height);
+    if (!bitmap.valid() || pixels->size() != std::size_t(width) * std::size_t(height)) return fail(MessageId::CouldntLoadBitmap);
+    for (int row = 0; row < height; ++row)
+        std::copy_n(pixels->begin() + std::ptrdiff_t(row) * width, width, bitmap.row(row));
+    return bitmap;
+}
+
+Status importCarJam(CarSet& set, const ItemCall& call) {
+    if (!importTeamCarFromGame(set, call.item - 1, call.context.gameFolder, call.context.workingFolder,
+                               pictureOptions(call), &call.progress))
+        return fail(MessageId::FailedToConvertJam);
+    return {};
+}
+Status exportCarJam(const CarSet& set, const ItemCall& call) {
+    return exportTeamCarToGame(set, call.item - 1, call.context.gameFolder, pictureOptions(call), &call.progress);
+}
+Status importHelmetsJam(CarSet& set, const ItemCall& call) {
+    if (!importHelmetsFromGame(set, call.context.gameFolder, call.context.workingFolder, pictureOptions(call), &call.progress))
+        return fail(MessageId::FailedToConvertJam);
+    return {};
+}
+Status exportHelmetsJam(const CarSet& set, const ItemCall& call) {
+    return exportHelmetsToGame(set, call.context.gameFolder, pictureOptions(call), &call.progress);
+}
+
+// Menu helmets go to the working folder; the slots take them over once the
+// whole import has succeeded.
+Status importMenuHelmet(CarSet&, const ItemCall& call) {
+    int slot = call.item - 16;
+    if (!ExportMenuHelmet(call.context.gameFolder, slot, menuHelmetFile(call.context.workingFolder, slot), &call.progress))
+        return fail(MessageId::FailedToImportMenuHelmet);
+    return {};
+}
+Status exportMenuHelmet(const CarSet& set, const ItemCall& call) {
+    int slot = call.item - 16;
+    if (set.menuHelmets[std::size_t(slot)].status == kAssetEmpty) return {};   // the game keeps its own
+    auto picture = slotBitmap(set, AssetKind::MenuHelmet, slot, kMenuHelmetSide, kMenuHelmetSide);
+    if (!picture || !ImportMenuHelmet(call.context.gameFolder, slot, *picture, &call.progress))
+        return fail(MessageId::FailedToExportMenuHelmet);
+    return {};
+}
+
+// Wheels (items 48-51) and the other JAM files (158-356): the game's file
+// becomes the working folder's JAM%.3d.BMP and the slot points at it.
+AssetSlot& jamItemSlot(CarSet& set, int item) {
+    return item <= 51 ? set.wheels[std::size_t(item - 48)] : set.jams[std::size_t(item - 139)];
+}
+const AssetSlot& jamItemSlot(const CarSet& set, int item) {
+    return item <= 51 ? set.wheels[std::size_t(item - 48)] : set.jams[std::size_t(item - 139)];
+}
+
+Status importJamItem(CarSet& set, const ItemCall& call) {
+    int number = transferItemJamNumber(call.item);
+    std::filesystem::path working = jamBitmapFile(call.context.workingFolder, number);
+    if (!ExportJamToBitmap(call.context.gameFolder, number, working, pictureOptions(call), &call.progress))
+        return fail(MessageId::FailedToConvertJam);
+    setSlot(jamItemSlot(set, call.item), working);
+    return {};
+}
+Status exportJamItem(const CarSet& set, const ItemCall& call) {
+    if (jamItemSlot(set, call.item).status == kAssetEmpty) return {};   // the game keeps its own
+    int number = transferItemJamNumber(call.item);
+    AssetKind kind = call.item <= 51 ? AssetKind::Wheel : AssetKind::Jam;
+    int slot = call.item <= 51 ? call.item - 48 : call.item - 139;
+    auto picture = slotBitmap(set, kind, slot, kJamCanvasWidth, JamInfo(number, 0));
+    if (!picture) return fail(MessageId::FailedToPatchJam);
+    return PatchGameJam(call.context.gameFolder, *picture, number, pictureOptions(call), &call.progress);
+}
+
 // The item table: runs of items with their label, game file and transfer functions.
 constexpr std::array<TransferItemRange, 16> kItemRanges{{
     {0, 0, "Team Data", GameFileKind::Executable, importTeamData, exportTeamData},
-    {1, 14, "Car JAMs", GameFileKind::Jam, nullptr, nullptr},
-    {15, 15, "Helmets JAM", GameFileKind::Jam, nullptr, nullptr},
-    {16, 43, "Menu Helmets", GameFileKind::MenuFile, nullptr, nullptr},
+    {1, 14, "Car JAMs", GameFileKind::Jam, importCarJam, exportCarJam},
+    {15, 15, "Helmets JAM", GameFileKind::Jam, importHelmetsJam, exportHelmetsJam},
+    {16, 43, "Menu Helmets", GameFileKind::MenuFile, importMenuHelmet, exportMenuHelmet},
     {44, 44, "Cockpit Colours", GameFileKind::Executable, importCockpitColours, exportCockpitColours},
     {45, 46, "Cockpits", GameFileKind::Cockpit, nullptr, nullptr},
     {47, 47, "Pit Crew Colours", GameFileKind::Executable, importPitCrewColours, exportPitCrewColours},
-    {48, 51, "Wheel JAMs", GameFileKind::Jam, nullptr, nullptr},
+    {48, 51, "Wheel JAMs", GameFileKind::Jam, importJamItem, exportJamItem},
     {52, 52, "Car Settings", GameFileKind::Executable, nullptr, nullptr},
     {53, 53, "Damage Data", GameFileKind::Executable, nullptr, nullptr},
     {54, 54, "Camera Data", GameFileKind::Executable, nullptr, nullptr},
@@ -73,7 +161,7 @@ constexpr std::array<TransferItemRange, 16> kItemRanges{{
     {155, 155, "Game Settings", GameFileKind::Executable, nullptr, nullptr},
     {156, 156, "Points Data", GameFileKind::Executable, nullptr, nullptr},
     {157, 157, "Laps Data", GameFileKind::Executable, nullptr, nullptr},
-    {158, 356, "JAM Files", GameFileKind::Jam, nullptr, nullptr},
+    {158, 356, "JAM Files", GameFileKind::Jam, importJamItem, exportJamItem},
 }};
 
 static_assert(kItemRanges.front().first == 0 && kItemRanges.back().last == kTransferItemCount - 1);
@@ -203,6 +291,9 @@ Status ImportFromGame(CarSet& set, const GameContext& context, Progress& progres
     if (outcome.aborted) return fail(MessageId::ImportAborted);
     if (outcome.error) return fail(*outcome.error);
     if (anySelected(set, {0, 44, 47})) set.carNumbers = set.carNumbersImport;
+    for (int slot = 0; slot < kMenuHelmetCount; ++slot)
+        if (selected(set, 16 + slot))
+            setSlot(set.menuHelmets[std::size_t(slot)], menuHelmetFile(context.workingFolder, slot));
     set.recountAssets();
     return {};
 }

@@ -228,7 +228,7 @@ TEST(TransferItems, TableAndSelection) {
     EXPECT_EQ(transferItemInfo(157).label, "Laps Data");
     EXPECT_EQ(transferItemInfo(158).label, "JAM Files");
     EXPECT_EQ(transferItemInfo(356).label, "JAM Files");
-    for (int item : {0, 44, 47}) EXPECT_TRUE(transferItemAvailable(item)) << item;
+    for (int item : {0, 1, 14, 15, 16, 43, 44, 47, 48, 51, 158, 356}) EXPECT_TRUE(transferItemAvailable(item)) << item;
     for (int item : {45, 46, 52, 53, 54, 55, 154, 155, 156, 157, -1, 357}) EXPECT_FALSE(transferItemAvailable(item)) << item;
     CarSet set;
     selectAvailableTransferItems(set);
@@ -242,10 +242,10 @@ TEST(TransferItems, ParseList) {
     EXPECT_EQ((*list)[0], 1);
     EXPECT_EQ((*list)[44], 1);
     EXPECT_EQ((*list)[1], 0);
-    auto refused = parseTransferItemList("0,52-54");
+    auto refused = parseTransferItemList("0,40-60");
     ASSERT_FALSE(refused);
     EXPECT_EQ(refused.error().id, MessageId::ItemNotAvailable);
-    EXPECT_EQ(refused.error().arg, "52");
+    EXPECT_EQ(refused.error().arg, "45") << "the first item of the range that cannot be transferred";
     for (std::string_view bad : {"", "x", "5-3", "357", "0,,44", "-1", "44-", "0 ,44"}) {
         auto r = parseTransferItemList(bad);
         ASSERT_FALSE(r) << bad;

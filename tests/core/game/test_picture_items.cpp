@@ -1,0 +1,126 @@
+#include "GameTestSupport.h"
+#include "common/Messages.h"
+#include "game/GameTransfer.h"
+#include "graphics/Jam.h"
+#include "graphics/JamCatalogue.h"
+#include "graphics/MenuHelmet.h"
+
+#include <gtest/gtest.h>
+
+namespace tarvel {
+namespace {
+namespace fs = std::filesystem;
+using namespace test;
+
+class PictureItems : public ::testing::Test {
+protected:
+    void SetUp() override {
+        GameFixtureOptions options;
+        options.release = 2;
+        context.gameFolder = makeTestGame(folder.path() / "game", options);
+        context.version = 2;
+        context.workingFolder = folder.path() / "work";
+        fs::create_directories(context.workingFolder);
+    }
+    void select(std::initializer_list<int> items) {
+        set.transferItems.fill(0);
+        for (int item : items) set.transferItems[std::size_t(item)] = 1;
+    }
+    fs::path game(const std::string& relative) const { return folder.path() / "game" / relative; }
+
+    TempFolder folder{"pictures"};
+    GameContext context;
+    CarSet set;
+    RecordingProgress progress;
+};
+
+TEST_F(PictureItems, ImportFillsLiveriesSlotsAndMenuHelmets) {
+    select({1, 15, 16, 43, 48, 158});
+    auto imported = ImportFromGame(set, context, progress);
+    ASSERT_TRUE(imported) << messageText(imported.error()) << " after " << progress.categories.size() << " items";
+    EXPECT_EQ(progress.categories,
+              (std::vector<std::string>{"Car JAMs", "Helmets JAM", "Menu Helmets", "Menu Helmets", "Wheel JAMs", "JAM Files"}));
+    ASSERT_EQ(set.liveries[0].size(), std::size_t(kLiveryPixels));
+    EXPECT_NE(set.liveries[0], CarSet().liveries[0]) << "team 1's car file replaced the default livery";
+    EXPECT_EQ(set.liveries[1], CarSet().liveries[1]);
+    EXPECT_EQ(set.teams[0].carBitmap.status, kAssetExternal);
+
+    EXPECT_EQ(set.wheels[0].status, kAssetExternal);
+    EXPECT_EQ(fs::path(fieldText(set.wheels[0].path)).filename(), "JAM015.BMP");
+    EXPECT_TRUE(fs::exists(fieldText(set.wheels[0].path)));
+    EXPECT_EQ(set.jams[19].status, kAssetExternal);
+    EXPECT_EQ(fs::path(fieldText(set.jams[19].path)).filename(), "JAM019.BMP");
+    EXPECT_EQ(set.jams[20].status, kAssetEmpty);
+    EXPECT_EQ(set.menuHelmets[0].status, kAssetExternal);
+    EXPECT_EQ(fs::path(fieldText(set.menuHelmets[27].path)).filename(), "MENU27.BMP");
+    EXPECT_EQ(set.menuHelmets[1].status, kAssetEmpty);
+    EXPECT_EQ(set.menuHelmetCount, 2);
+    EXPECT_EQ(set.wheelCount, 1);
+    EXPECT_EQ(set.jamCount, 1);
+}
+
+TEST_F(PictureItems, ExportWritesOnlySlotsThatHoldAPicture) {
+    Bytes menuBefore = readFileBytes(game("BITMAPS/F1PCSVGA.BIN"));
+    Bytes wheelBefore = readFileBytes(game("GAMEJAMS/B1FTR.JAM"));
+    select({16, 48});
+    ASSERT_TRUE(ExportToGame(set, context, progress));
+    EXPECT_EQ(readFileBytes(game("BITMAPS/F1PCSVGA.BIN")), menuBefore) << "empty slots leave the game's own";
+    EXPECT_EQ(readFileBytes(game("GAMEJAMS/B1FTR.JAM")), wheelBefore);
+}
+
+TEST_F(PictureItems, ExportTakesSlotPicturesFromTheirFiles) {
+    // A solid picture in an outside file for menu helmet 5 and wheel 1.
+    const std::uint8_t colour = 0x27;
+    BitmapBuffer helmet(104, 104);
+    std::fill(helmet.pixels(), helmet.pixels() + helmet.pixelBytes(), colour);
+    fs::path helmetFile = folder.path() / "helmet.bmp";
+    ASSERT_TRUE(SaveBitmap8(helmetFile, helmet, graphicsOptions(context.options)));
+    set.menuHelmets[5].status = kAssetExternal;
+    setFieldText(set.menuHelmets[5].path, helmetFile.string());
+    BitmapBuffer wheel(256, JamInfo(16, 0));
+    std::fill(wheel.pixels(), wheel.pixels() + wheel.pixelBytes(), colour);
+    fs::path wheelFile = folder.path() / "wheel.bmp";
+    ASSERT_TRUE(SaveBitmap8(wheelFile, wheel, graphicsOptions(context.options)));
+    set.wheels[1].status = kAssetExternal;
+    setFieldText(set.wheels[1].path, wheelFile.string());
+
+    Bytes wheelBefore = readFileBytes(game("GAMEJAMS/B2FTR.JAM"));
+    select({21, 49});
+    ASSERT_TRUE(ExportToGame(set, context, progress));
+    EXPECT_NE(readFileBytes(game("GAMEJAMS/B2FTR.JAM")), wheelBefore);
+    auto back = readMenuHelmet(context.gameFolder, 5);
+    ASSERT_TRUE(back);
+    for (int row = 0; row < 104; ++row)
+        for (int x = 0; x < 104; ++x) ASSERT_EQ(back->row(row)[x], colour) << row << "," << x;
+    auto other = readMenuHelmet(context.gameFolder, 6);
+    ASSERT_TRUE(other) << "the pictures after the replaced one still decode";
+
+    set.wheels[1].status = kAssetExternal;
+    setFieldText(set.wheels[1].path, (folder.path() / "missing.bmp").string());
+    select({49});
+    EXPECT_FALSE(ExportToGame(set, context, progress)) << "an unreadable picture fails the item";
+}
+
+TEST_F(PictureItems, MissingJamIsRefusedBeforeAnythingIsWritten) {
+    fs::remove(game("GAMEJAMS/WILLIAMS.JAM"));
+    Bytes exeBefore = readFileBytes(game("GP2.EXE"));
+    Bytes stateBefore = readFileBytes(game("F1GSTATE.SAV"));
+    select({0, 1});
+    auto result = ExportToGame(set, context, progress);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(messageText(result.error()), "File Not Found - WILLIAMS.JAM.");
+    EXPECT_EQ(readFileBytes(game("GP2.EXE")), exeBefore);
+    EXPECT_EQ(readFileBytes(game("F1GSTATE.SAV")), stateBefore);
+}
+
+TEST_F(PictureItems, DamagedJamFailsTheImportWithItsMessage) {
+    fs::resize_file(game("GAMEJAMS/TYRRELL.JAM"), 10);
+    select({1, 2, 3});
+    auto result = ImportFromGame(set, context, progress);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(messageText(result.error()), "Failed to Convert JAM File.");
+    EXPECT_EQ(progress.categories, (std::vector<std::string>{"Car JAMs", "Car JAMs"})) << "item 3 never runs";
+}
+
+}  // namespace
+}  // namespace tarvel
