@@ -91,7 +91,7 @@ void setBitmapPalette(BitmapBuffer& bitmap, std::span<const std::uint32_t, 256> 
     }
 }
 
-Result<BitmapBuffer> decodeBitmap8(std::span<const std::uint8_t> file, int width, int height) {
+Result<BitmapBuffer> decodeBitmap8(std::span<const std::uint8_t> file, int width, int height, bool repairColours) {
     if (!sizeAcceptable(width, height)) return fail(MessageId::CouldntLoadBitmap);
     ByteReader in(file);
     std::uint16_t signature = in.u16();
@@ -126,8 +126,8 @@ Result<BitmapBuffer> decodeBitmap8(std::span<const std::uint8_t> file, int width
     // Transparent-range repair: a file whose upper palette entries are all
     // the transparent colour in some component had its texture's unused range
     // painted with it.
-    bool transparentRange = true;
-    for (std::size_t i = kFirstTransparentRangeEntry; i < 256; ++i) {
+    bool transparentRange = repairColours;
+    for (std::size_t i = kFirstTransparentRangeEntry; transparentRange && i < 256; ++i) {
         std::uint8_t blue = 0, green = 0, red = 0;
         if (i < paletteEntries) {
             blue = palette[4 * i];
@@ -142,13 +142,13 @@ Result<BitmapBuffer> decodeBitmap8(std::span<const std::uint8_t> file, int width
     std::uint8_t* p = bitmap.pixels();
     for (std::size_t i = 0, n = bitmap.pixelBytes(); i < n; ++i) {
         if (transparentRange && p[i] >= kFirstTransparentRangeEntry) p[i] = 0;
-        if (p[i] == kWhiteIndex) p[i] = kImportedWhite;
+        if (repairColours && p[i] == kWhiteIndex) p[i] = kImportedWhite;
     }
     WriteBitmapHeader(bitmap, false);
     return bitmap;
 }
 
-Result<BitmapBuffer> LoadBitmap8(const fs::path& path, int width, int height) {
+Result<BitmapBuffer> LoadBitmap8(const fs::path& path, int width, int height, bool repairColours) {
     std::ifstream in(path, std::ios::binary);
     if (!in) return fail(MessageId::CouldntLoadBitmap);
     // Only as much as a bitmap of this size can need; a bigger file is read
@@ -167,7 +167,7 @@ Result<BitmapBuffer> LoadBitmap8(const fs::path& path, int width, int height) {
             bytes.resize(limit + std::size_t(in.gcount()));
         }
     }
-    return decodeBitmap8(bytes, width, height);
+    return decodeBitmap8(bytes, width, height, repairColours);
 }
 
 Bytes encodeBitmapKeepingPalette(const BitmapBuffer& bitmap) {

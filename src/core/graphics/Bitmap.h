@@ -71,9 +71,11 @@ void setBitmapPalette(BitmapBuffer& bitmap, std::span<const std::uint32_t, 256> 
 
 // Reads an 8-bit uncompressed bitmap of exactly width x height from the bytes
 // of a whole file, with the colour repairs and the game palette put in place
-// of the file's. Fails with "Couldn't Load Bitmap.".
-Result<BitmapBuffer> decodeBitmap8(std::span<const std::uint8_t> file, int width, int height);
-Result<BitmapBuffer> LoadBitmap8(const std::filesystem::path& path, int width, int height);
+// of the file's. Fails with "Couldn't Load Bitmap.". Pictures in another
+// palette (menu pictures) are read with `repairColours` false: pixels as they are.
+Result<BitmapBuffer> decodeBitmap8(std::span<const std::uint8_t> file, int width, int height,
+                                   bool repairColours = true);
+Result<BitmapBuffer> LoadBitmap8(const std::filesystem::path& path, int width, int height, bool repairColours = true);
 
 // The whole bitmap file: file header, fresh information header and game
 // palette (alternative greens as the options say), pixels.

@@ -24,16 +24,16 @@ struct RecordingProgress : Progress {
 };
 
 // A fresh empty folder below the system's temporary folder, removed on destruction.
-class TempFolder {
+class ScratchFolder {
 public:
-    TempFolder() {
+    ScratchFolder() {
         static int counter = 0;
         path_ = std::filesystem::temp_directory_path() /
                 ("tarvel-gfx-test-" + std::to_string(std::random_device{}()) + "-" + std::to_string(++counter));
         std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
     }
-    ~TempFolder() {
+    ~ScratchFolder() {
         std::error_code ec;
         std::filesystem::remove_all(path_, ec);
     }

@@ -80,7 +80,7 @@ TEST(Bitmap, AlternativeGreensOnlyInTheirRangeAndOnlyWhenAsked) {
 }
 
 TEST(Bitmap, SaveAndLoadRoundTripWithOddWidth) {
-    TempFolder dir;
+    ScratchFolder dir;
     BitmapBuffer b = patterned(75, 15);
     ASSERT_TRUE(SaveBitmap8(dir / "a.bmp", b, {}));
     EXPECT_EQ(std::filesystem::file_size(dir / "a.bmp"), 1078u + 76u * 15u);
@@ -112,7 +112,7 @@ TEST(Bitmap, WrongSizeDepthOrCompressionIsRefused) {
     auto r = decodeBitmap8(shortFile, 74, 15);
     ASSERT_FALSE(r);
     EXPECT_EQ(r.error().id, MessageId::CouldntLoadBitmap);
-    TempFolder dir;
+    ScratchFolder dir;
     EXPECT_FALSE(LoadBitmap8(dir / "missing.bmp", 74, 15));
 }
 
@@ -154,7 +154,7 @@ TEST(Bitmap, TransparentRangeRepairNeedsEveryUpperEntryToMatchOneComponent) {
 }
 
 TEST(Bitmap, FailedSaveLeavesNoFile) {
-    TempFolder dir;
+    ScratchFolder dir;
     BitmapBuffer b(4, 4);
     EXPECT_FALSE(SaveBitmap8(dir / "no-such-folder" / "x.bmp", b, {}));
     BitmapBuffer broken;
@@ -189,7 +189,7 @@ Bytes rgbOf(const BitmapBuffer& b, bool alternativeGreens) {
 
 TEST(BitmapInterop, PillowReadsOurBitmapsWithTheSamePixelsAndPalette) {
     if (!havePillow()) GTEST_SKIP() << "Pillow not installed";
-    TempFolder dir;
+    ScratchFolder dir;
     BitmapBuffer b = patterned(74, 15);
     GraphicsOptions alt;
     alt.gp2Palette = true;
@@ -214,7 +214,7 @@ TEST(BitmapInterop, PillowReadsOurBitmapsWithTheSamePixelsAndPalette) {
 
 TEST(BitmapInterop, ImageMagickReadsOurBitmapsWithTheSameColours) {
     if (!haveTool("/usr/bin/convert")) GTEST_SKIP() << "ImageMagick not installed";
-    TempFolder dir;
+    ScratchFolder dir;
     BitmapBuffer b = patterned(256, 164);
     ASSERT_TRUE(SaveBitmap8(dir / "a.bmp", b, {}));
     ASSERT_EQ(run("/usr/bin/convert " + (dir / "a.bmp").string() + " -depth 8 rgb:" + (dir / "a.rgb").string()), 0);
@@ -225,7 +225,7 @@ TEST(BitmapInterop, ImageMagickReadsOurBitmapsWithTheSameColours) {
 
 TEST(BitmapInterop, PillowBitmapsLoadWithTheirPixels) {
     if (!havePillow()) GTEST_SKIP() << "Pillow not installed";
-    TempFolder dir;
+    ScratchFolder dir;
     std::string script =
         "from PIL import Image\n"
         "im = Image.new('P', (74, 15))\n"
@@ -246,7 +246,7 @@ TEST(BitmapInterop, PillowBitmapsLoadWithTheirPixels) {
 
 TEST(BitmapInterop, ImageMagickUncompressedLoadsAndCompressedOrDeepIsRefused) {
     if (!haveTool("/usr/bin/convert")) GTEST_SKIP() << "ImageMagick not installed";
-    TempFolder dir;
+    ScratchFolder dir;
     BitmapBuffer b = patterned(256, 164);
     ASSERT_TRUE(SaveBitmap8(dir / "ours.bmp", b, {}));
     const std::string in = (dir / "ours.bmp").string();

@@ -140,7 +140,7 @@ TEST(HelmetSheet, FirstPixelQuirkIsVisibleInTheDefaultSheet) {
 }
 
 TEST(HelmetFiles, SheetAndSingleSizesAreEnforced) {
-    TempFolder dir;
+    ScratchFolder dir;
     GraphicsOptions options;
     ASSERT_TRUE(SaveSingleHelmet(dir / "one.bmp", builtinSingleHelmet(), options));
     auto one = LoadSingleHelmet(dir / "one.bmp");

@@ -360,7 +360,7 @@ TEST(JamConvert, BuildRefusesMismatchedTemplateOrBitmap) {
 // ---- the game's files ------------------------------------------------------------
 
 TEST(GameJam, PatchAndExportThroughTheGameFolder) {
-    TempFolder game;
+    ScratchFolder game;
     // Lower-case folder names, as on some installations.
     std::filesystem::create_directories(game / "gamejams" / "brzjams");
     Bytes scrambled = makeJamFile(19, 21);

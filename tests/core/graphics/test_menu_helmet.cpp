@@ -166,7 +166,7 @@ TEST(MenuHelmetFile, ImportInPlaceMatchesTheInMemoryReplacement) {
     for (int slot : {0, 13, 27}) {
         for (int kind = 0; kind < 2; ++kind) {
             SCOPED_TRACE(testing::Message() << "slot " << slot << " kind " << kind);
-            TempFolder game;
+            ScratchFolder game;
             auto path = writeMenuFile(game.path(), 5);
             Bytes expected = *readWholeFile(path);
             BitmapBuffer picture = kind == 0 ? helmetPicture(0) : BitmapBuffer(104, 104);
@@ -182,7 +182,7 @@ TEST(MenuHelmetFile, ImportInPlaceMatchesTheInMemoryReplacement) {
 }
 
 TEST(MenuHelmetFile, ExportWritesABitmapWithTheMenuPalette) {
-    TempFolder game;
+    ScratchFolder game;
     writeMenuFile(game.path(), 8);
     MenuFixture fixture = makeMenuFixture(8);
     ASSERT_TRUE(ExportMenuHelmet(game.path(), 6, game / "m.bmp"));
@@ -195,7 +195,7 @@ TEST(MenuHelmetFile, ExportWritesABitmapWithTheMenuPalette) {
     EXPECT_TRUE(std::equal(file->end() - 104, file->end(), fixture.pictures[6].begin()));
     EXPECT_FALSE(ExportMenuHelmet(game.path(), 28, game / "n.bmp"));
     EXPECT_FALSE(std::filesystem::exists(game / "n.bmp"));
-    TempFolder empty;
+    ScratchFolder empty;
     auto missing = ExportMenuHelmet(empty.path(), 0, empty / "n.bmp");
     ASSERT_FALSE(missing);
     EXPECT_EQ(missing.error().id, MessageId::FailedToImportMenuHelmet);
@@ -210,7 +210,7 @@ TEST(FileTail, MovesMatchTheInMemoryMoveForEveryPieceShape) {
     for (std::size_t tail : {0u, 1u, 1023u, 1024u, 1025u, 2048u, 3000u}) {
         for (std::int64_t delta : {-700, -1, 1, 5, 1500}) {
             SCOPED_TRACE(testing::Message() << "tail " << tail << " delta " << delta);
-            TempFolder dir;
+            ScratchFolder dir;
             Bytes original(2000 + tail);
             for (std::size_t i = 0; i < original.size(); ++i) original[i] = std::uint8_t(i * 131 + i / 256);
             {
@@ -233,7 +233,7 @@ TEST(FileTail, MovesMatchTheInMemoryMoveForEveryPieceShape) {
 }
 
 TEST(FileTail, RefusesTailsOutsideTheFile) {
-    TempFolder dir;
+    ScratchFolder dir;
     {
         std::ofstream out(dir / "f", std::ios::binary);
         out << "0123456789";
