@@ -337,22 +337,31 @@ Status readBody(CarSet& set, const CarSetFileHandle& file, int version) {
 // Writing
 // ---------------------------------------------------------------------------
 
-void writeItem(ByteWriter& w, std::span<const std::uint8_t> raw, bool compress) {
-    Bytes& out = w.data();
-    std::size_t at = out.size();
-    out.resize(at + kItemHeaderSize);
-    if (compress && !raw.empty()) {
-        runLengthEncode(raw, out);
-        std::size_t coded = out.size() - at - kItemHeaderSize;
+// The file being built, with a reusable buffer for coding items.
+struct FileBuilder {
+    ByteWriter w;
+    Bytes scratch;
+    bool compress = true;
+};
+
+void writeItem(FileBuilder& b, std::span<const std::uint8_t> raw) {
+    Bytes& out = b.w.data();
+    if (b.compress && !raw.empty()) {
+        // Only a coded form below the limit is kept, so coding stops there.
+        std::size_t limit = static_cast<std::size_t>(static_cast<double>(raw.size()) * 0.9);
+        if (b.scratch.size() < limit + 2) b.scratch.resize(limit + 2);
+        std::size_t coded = runLengthEncodeBounded(raw, b.scratch.data(), limit);
         if (runLengthPays(raw.size(), coded)) {
-            out[at] = 1;
-            storeU32(&out[at + 1], std::uint32_t(coded));
+            std::uint8_t head[kItemHeaderSize] = {1};
+            storeU32(head + 1, std::uint32_t(coded));
+            out.insert(out.end(), head, head + kItemHeaderSize);
+            out.insert(out.end(), b.scratch.data(), b.scratch.data() + coded);
             return;
         }
-        out.resize(at + kItemHeaderSize);
     }
-    out[at] = 0;
-    storeU32(&out[at + 1], std::uint32_t(raw.size()));
+    std::uint8_t head[kItemHeaderSize] = {0};
+    storeU32(head + 1, std::uint32_t(raw.size()));
+    out.insert(out.end(), head, head + kItemHeaderSize);
     out.insert(out.end(), raw.begin(), raw.end());
 }
 
@@ -381,7 +390,8 @@ std::vector<int> presentSlots(std::span<const AssetSlot> slots, int firstSlot, b
     return present;
 }
 
-Status writeAssetSection(ByteWriter& w, const CarSet& set, AssetKind kind, int entry, int firstSlot, bool compress) {
+Status writeAssetSection(FileBuilder& b, const CarSet& set, AssetKind kind, int entry, int firstSlot) {
+    ByteWriter& w = b.w;
     const int slots = assetSlotCount(kind);
     std::vector<AssetSlot> table;
     for (int i = 0; i < slots; ++i) table.push_back(assetSlot(set, kind, i));
@@ -395,12 +405,13 @@ Status writeAssetSection(ByteWriter& w, const CarSet& set, AssetKind kind, int e
         auto item = readAssetBytes(set, kind, slot);
         if (!item) return fail(item.error());
         if (kind == AssetKind::Cockpit) w.bytes(set.cockpitRecords[std::size_t(slot)].data(), kCockpitRecordSize);
-        writeItem(w, *item, compress);
+        writeItem(b, *item);
     }
     return {};
 }
 
-Status writeMenuHelmets(ByteWriter& w, const CarSet& set, bool compress) {
+Status writeMenuHelmets(FileBuilder& b, const CarSet& set) {
+    ByteWriter& w = b.w;
     setDirectoryEntry(w, kEntryMenuHelmets, 1, w.size());
     std::vector<int> present;
     for (int i = 0; i < kMenuHelmetSlots; ++i) {
@@ -415,7 +426,7 @@ Status writeMenuHelmets(ByteWriter& w, const CarSet& set, bool compress) {
         w.patchU32(tableAt + 4 * i, std::uint32_t(w.size()));
         auto item = readAssetBytes(set, AssetKind::MenuHelmet, present[i]);
         if (!item) return fail(item.error());
-        writeItem(w, *item, compress);
+        writeItem(b, *item);
     }
     return {};
 }
@@ -739,8 +750,9 @@ Status loadCarSet(CarSet& set, const fs::path& path, const CarSetFileOptions& op
 }
 
 Result<Bytes> buildCarSetFile(const CarSet& set, const CarSetFileOptions& options) {
-    const bool compress = options.compress;
-    ByteWriter w;
+    FileBuilder b;
+    b.compress = options.compress;
+    ByteWriter& w = b.w;
     w.bytes(kMagic, kMagicSize);
     w.u16(kCurrentVersion);
     w.u8(kCurrentSubVersion);
@@ -755,20 +767,18 @@ Result<Bytes> buildCarSetFile(const CarSet& set, const CarSetFileOptions& option
         const auto& livery = set.liveries[std::size_t(t)];
         if (livery.size() != std::size_t(kLiveryPixels)) return fail(MessageId::CouldntSaveCarSet);
         w.patchU32(tableAt + 4 * std::size_t(t), std::uint32_t(w.size()));
-        writeItem(w, livery, compress);
+        writeItem(b, livery);
     }
 
     if (set.helmetSheet.size() != std::size_t(kHelmetSheetPixels)) return fail(MessageId::CouldntSaveCarSet);
     setDirectoryEntry(w, kEntryHelmetSheet, 1, w.size());
-    writeItem(w, set.helmetSheet, compress);
+    writeItem(b, set.helmetSheet);
 
-    if (auto s = writeAssetSection(w, set, AssetKind::Wheel, kEntryWheels, 0, compress); !s) return fail(s.error());
-    if (auto s = writeAssetSection(w, set, AssetKind::Jam, kEntryJams, kFirstUsableJam, compress); !s)
-        return fail(s.error());
-    if (auto s = writeAssetSection(w, set, AssetKind::Cockpit, kEntryCockpits, 0, compress); !s)
-        return fail(s.error());
-    if (auto s = writeMenuHelmets(w, set, compress); !s) return fail(s.error());
-    if (auto s = writeAssetSection(w, set, AssetKind::Sound, kEntrySounds, 0, compress); !s) return fail(s.error());
+    if (auto s = writeAssetSection(b, set, AssetKind::Wheel, kEntryWheels, 0); !s) return fail(s.error());
+    if (auto s = writeAssetSection(b, set, AssetKind::Jam, kEntryJams, kFirstUsableJam); !s) return fail(s.error());
+    if (auto s = writeAssetSection(b, set, AssetKind::Cockpit, kEntryCockpits, 0); !s) return fail(s.error());
+    if (auto s = writeMenuHelmets(b, set); !s) return fail(s.error());
+    if (auto s = writeAssetSection(b, set, AssetKind::Sound, kEntrySounds, 0); !s) return fail(s.error());
 
     setDirectoryEntry(w, kEntryTeams, 1, w.size());
     writeTeamBlock(w, set);

@@ -27,25 +27,35 @@ std::size_t runLengthCodedSize(std::span<const std::uint8_t> raw) {
     return size;
 }
 
-void runLengthEncode(std::span<const std::uint8_t> raw, Bytes& out) {
+std::size_t runLengthEncodeBounded(std::span<const std::uint8_t> raw, std::uint8_t* o, std::size_t limit) {
     const std::uint8_t* p = raw.data();
     const std::size_t n = raw.size();
-    std::size_t at = out.size();
-    // Worst case: every byte escaped.
-    out.resize(at + 2 * n);
-    std::uint8_t* o = out.data();
-    for (std::size_t i = 0; i < n;) {
-        std::size_t run = runAt(p, i, n);
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < n && at < limit;) {
         std::uint8_t b = p[i];
-        if (run > 1 || b > kRunLengthBase) {
+        if (i + 1 < n && p[i + 1] == b) {
+            std::size_t run = runAt(p, i, n);
             o[at++] = std::uint8_t(kRunLengthBase + run);
             o[at++] = b;
+            i += run;
+        } else if (b > kRunLengthBase) {
+            o[at++] = std::uint8_t(kRunLengthBase + 1);
+            o[at++] = b;
+            ++i;
         } else {
             o[at++] = b;
+            ++i;
         }
-        i += run;
     }
-    out.resize(at);
+    return at;
+}
+
+void runLengthEncode(std::span<const std::uint8_t> raw, Bytes& out) {
+    std::size_t at = out.size();
+    // Worst case: every byte escaped.
+    out.resize(at + 2 * raw.size() + 1);
+    std::size_t coded = runLengthEncodeBounded(raw, out.data() + at, 2 * raw.size() + 1);
+    out.resize(at + coded);
 }
 
 bool runLengthDecode(std::span<const std::uint8_t> coded, Bytes& out, std::size_t maxOutput) {

@@ -21,6 +21,11 @@ std::size_t runLengthCodedSize(std::span<const std::uint8_t> raw);
 // Appends the coded form of `raw` to `out`.
 void runLengthEncode(std::span<const std::uint8_t> raw, Bytes& out);
 
+// Codes `raw` into `out`, which must have room for limit + 1 bytes (or
+// 2 x raw.size() bytes if that is less), and returns the coded length; stops as soon as the coded form
+// reaches `limit` bytes and then returns a length of at least `limit`.
+std::size_t runLengthEncodeBounded(std::span<const std::uint8_t> raw, std::uint8_t* out, std::size_t limit);
+
 // Decodes `coded` and appends the bytes to `out`. Fails (false, `out` holding
 // what was decoded so far) when a run code has no value byte or when the
 // decoded size would pass `maxOutput`.
