@@ -62,7 +62,9 @@ TEST_F(CliTest, UsageErrorsExitWithTwo) {
     EXPECT_NE(unknown.err.find("frobnicate"), std::string::npos);
     EXPECT_EQ(cli({"--bogus", "new", at("a.GP2")}).status, kExitUsage);
     EXPECT_EQ(cli({"--set", "ClearJam", "new", at("a.GP2")}).status, kExitUsage);   // no '='
-    EXPECT_EQ(run({"--config"}, std::cout, std::cerr), kExitUsage);
+    std::ostringstream out, err;
+    EXPECT_EQ(run({"--config"}, out, err), kExitUsage);
+    EXPECT_NE(err.str().find("--config"), std::string::npos);
     EXPECT_EQ(cli({"new"}).status, kExitUsage);
     EXPECT_EQ(cli({"new", at("a.GP2"), at("b.GP2")}).status, kExitUsage);
     EXPECT_EQ(cli({"check", at("a.GP2"), "-x"}).status, kExitUsage);
