@@ -76,6 +76,10 @@ void fillEmptySeats(CarSet& set) {
     std::array<int, kNumberList> list{};
     for (int i = 0; i < kRacingTeams; ++i)
         for (int seat = 0; seat < 2; ++seat) list[std::size_t(2 * i + seat)] = set.teams[std::size_t(i)].driver[std::size_t(seat)];
+    // A seat that holds a driver in the game is not disabled, whatever the set
+    // said before the import.
+    for (int entry = 0; entry < kSeats; ++entry)
+        if (list[std::size_t(entry)] != 0) set.teams[std::size_t(entry / 2)].disabled[std::size_t(entry % 2)] = 0;
     int candidate = kDriverNumbers;
     for (int entry = kNumberList - 1; entry >= 0; --entry) {
         if (list[std::size_t(entry)] != 0) continue;

@@ -139,6 +139,7 @@ TEST_F(ExecutableTables, TwoEmptySeatsBecomeDisabledCarsThreeAreRefused) {
     poke(numbersAt() + 6, {0});     // team 3, first seat
     poke(numbersAt() + 15, {0});    // team 7, second seat
     CarSet set;
+    set.teams[3].disabled[1] = 1;   // a seat disabled before the import holds a driver in the game
     ASSERT_TRUE(importTables(set));
     // Spare places 35..28 take 39..32 (40 is in use); then the empty seats 31 and 30.
     for (int spare = 0; spare < 8; ++spare) EXPECT_EQ(set.spareDriverNumber(spare), 32 + spare) << spare;
