@@ -187,24 +187,24 @@ Result<BitmapBuffer> convertJamToBitmap(std::span<const std::uint8_t> jam, int n
     const JamLayout& layout = *parsed;
     const int H = layout.canvasHeight;
     Bytes canvas(jam.begin() + std::ptrdiff_t(layout.canvasStart), jam.end());
-    std::vector<bool> covered(canvas.size(), false);
+    Bytes covered(options.clearJam ? canvas.size() : 0, 0);
 
     for (int i = 0; i < layout.imageCount; ++i) {
         const JamImageEntry& e = layout.entries[std::size_t(i)];
         // Coverage counts every sub-image, clipped to the canvas.
         int right = std::min(e.x + e.width, kJamCanvasWidth);
         int bottom = std::min(e.y + e.height, H);
-        for (int row = e.y; row < bottom; ++row)
-            for (int col = e.x; col < right; ++col) covered[std::size_t(row) * kCanvasWidth + std::size_t(col)] = true;
+        if (options.clearJam && right > e.x)
+            for (int row = e.y; row < bottom; ++row)
+                std::fill_n(covered.begin() + std::ptrdiff_t(std::size_t(row) * kCanvasWidth + std::size_t(e.x)), right - e.x, 1);
         if (progress) progress->setSubImage(i + 1, layout.imageCount);
         if (e.colourCount == 0) continue;
         const std::size_t K = std::size_t(e.colourCount);
         const std::size_t table = layout.tablesStart + e.colourOffset;
         // p == K is looked up as well: it reads the first byte of table 1.
-        forEachPixel(e, 0, [&](std::size_t at) {
-            std::uint8_t p = canvas[at];
-            canvas[at] = p > K ? 0 : jam[table + p];
-        });
+        std::array<std::uint8_t, 256> lookup{};
+        for (std::size_t p = 0; p < 256 && p <= K; ++p) lookup[p] = jam[table + p];
+        forEachPixel(e, 0, [&](std::size_t at) { canvas[at] = lookup[canvas[at]]; });
     }
     if (options.clearJam)
         for (std::size_t at = 0; at < canvas.size(); ++at)
