@@ -13,6 +13,7 @@
 #include "carset/GripForm.h"
 #include "carset/TeamSwap.h"
 #include "common/CodePage.h"
+#include "common/FileIO.h"
 #include "game/GameLocation.h"
 #include "game/GameTransfer.h"
 #include "graphics/Bitmap.h"
@@ -699,8 +700,12 @@ void MainWindow::dropEvent(QDropEvent* event) {
     const QList<QUrl> urls = event->mimeData()->urls();
     if (urls.isEmpty() || !urls.front().isLocalFile()) return;
     event->acceptProposedAction();
-    if (!maybeSave()) return;
-    loadFile(urls.front().toLocalFile());
+    openDropped(urls);
+}
+
+bool MainWindow::openDropped(const QList<QUrl>& urls) {
+    if (urls.isEmpty() || !urls.front().isLocalFile() || !maybeSave()) return false;
+    return loadFile(urls.front().toLocalFile());
 }
 
 // ---------------------------------------------------------------- commands
@@ -991,7 +996,7 @@ void MainWindow::exportToGame() {
 void MainWindow::launchGame() {
     if (!ensureGame()) return;
     const std::filesystem::path folder(session_.config.gameFolder);
-    const std::filesystem::path exe = folder / "GP2.EXE";
+    const std::filesystem::path exe = gameFilePath(folder, "GP2.EXE");
     const QString line = QString::fromStdString(gameLaunchCommandLine(session_.config.launchCommand, exe));
     QStringList parts = QProcess::splitCommand(line);
     std::error_code ec;

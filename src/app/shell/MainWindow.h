@@ -23,6 +23,7 @@ class QLineEdit;
 class QMenu;
 class QPushButton;
 class QScrollBar;
+class QUrl;
 
 namespace tarvel {
 
@@ -59,6 +60,8 @@ public:
     void selectTeam(int team);
     // Asks "Move team here?" and moves the team when the answer is Yes.
     void requestTeamMove(int from, int to);
+    // Opens the first local file of a drop (after the save question).
+    bool openDropped(const QList<QUrl>& urls);
     // Ticks or clears " Disabled " of a car as the box would.
     void toggleDisabled(int car);
 

@@ -1,0 +1,335 @@
+// Editing in the main window: disabled cars, team moves, grips, drivers and
+// the livery with its undo.
+
+#include "AppTestSupport.h"
+
+#include "carset/CarSetPictures.h"
+#include "graphics/Bitmap.h"
+#include "graphics/Helmets.h"
+#include "shell/CommandTable.h"
+#include "shell/PictureWidgets.h"
+#include "shell/TeamList.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTest>
+
+namespace tarvel::test {
+namespace {
+
+class EditingTest : public AppTest {
+protected:
+    void SetUp() override {
+        configureGame();
+        window().startUp({});
+    }
+    CarSet& set() { return window().carSet(); }
+    void clickDisabled(int team, int car) {
+        window().selectTeam(team);
+        window().disabledBox(car)->click();
+    }
+};
+
+TEST_F(EditingTest, DisablingTheFirstCarIsAllowedSilently) {
+    clickDisabled(0, 0);
+    EXPECT_EQ(set().team(0).disabled[0], 1);
+    EXPECT_TRUE(asker.texts.empty());
+    EXPECT_TRUE(window().disabledBox(0)->isChecked());
+    EXPECT_FALSE(window().flagBox(0)->isEnabled());   // greyed while disabled
+    EXPECT_TRUE(window().driverList(0)->currentText().endsWith(" (D)"));
+    EXPECT_TRUE(set().document.dirty);
+    // Clearing asks nothing and enables the other box again.
+    clickDisabled(0, 0);
+    EXPECT_EQ(set().team(0).disabled[0], 0);
+    EXPECT_TRUE(window().flagBox(0)->isEnabled());
+}
+
+TEST_F(EditingTest, SecondCarOfTheSameTeamNeedsConfirmation) {
+    clickDisabled(3, 0);
+    asker.answers.push_back(Answer::Cancel);
+    clickDisabled(3, 1);
+    EXPECT_EQ(asker.lastText(), "This will cause corruption on the\r\nin game 'Choose Driver/Team' menu.");
+    EXPECT_EQ(set().team(3).disabled[1], 0);
+    EXPECT_FALSE(window().disabledBox(1)->isChecked());
+    asker.answers.push_back(Answer::Ok);
+    clickDisabled(3, 1);
+    EXPECT_EQ(set().team(3).disabled[1], 1);
+}
+
+TEST_F(EditingTest, LastTeamIsExemptFromTheQuestion) {
+    clickDisabled(13, 0);
+    clickDisabled(13, 1);
+    EXPECT_TRUE(asker.texts.empty());
+    EXPECT_EQ(set().team(13).disabled[1], 1);
+}
+
+TEST_F(EditingTest, AThirdDisabledCarIsRefusedWithTheList) {
+    window().selectTeam(1);
+    QTest::keyClicks(window().teamName(), "X");   // team 1 is now "Team NameX"
+    clickDisabled(1, 1);
+    clickDisabled(5, 0);
+    clickDisabled(7, 0);
+    EXPECT_EQ(asker.lastText(),
+              "Only 2 Cars can be Disabled.\r\n\r\nAlready Disabled :\r\n\r\nTeam NameX - Second Driver\r\nTeam Name - "
+              "First Driver");
+    EXPECT_EQ(set().team(7).disabled[0], 0);
+    EXPECT_FALSE(window().disabledBox(0)->isChecked());
+}
+
+// Distinct marks for each team: names, helmets, menu helmet slots, liveries.
+void markTeams(CarSet& set) {
+    for (int t = 0; t < kRacingTeams; ++t) {
+        setFieldText(set.team(t).name, "T" + std::to_string(t));
+        set.liveries[std::size_t(t)].assign(kLiveryPixels, std::uint8_t(100 + t));
+        for (int car = 0; car < 2; ++car) {
+            set.menuHelmets[std::size_t(2 * t + car)].status = kAssetExternal;
+            setFieldText(set.menuHelmets[std::size_t(2 * t + car)].path, "menu" + std::to_string(2 * t + car));
+        }
+    }
+    BitmapBuffer sheet = helmetSheetBitmap(set);
+    for (int n = 0; n < kHelmetCount; ++n) {
+        BitmapBuffer single = blankSingleHelmet();
+        for (int r = 0; r < kHelmetHeight; ++r) std::fill_n(single.row(r), kHelmetWidth, std::uint8_t(n + 1));
+        StoreHelmet(sheet, n, single);
+    }
+    ASSERT_TRUE(setHelmetSheetPixels(set, sheet));
+}
+
+int helmetMark(const CarSet& set, int n) {
+    BitmapBuffer single = blankSingleHelmet();
+    ExtractHelmet(helmetSheetBitmap(set), n, single);
+    return single.row(7)[30];
+}
+
+TEST_F(EditingTest, MovingATeamMovesRecordsHelmetsAndMenuHelmets) {
+    markTeams(set());
+    set().team(0).teamOrder = 2;   // pit position 0 holds team 2
+    set().team(2).teamOrder = 0;
+    window().refreshAll();
+    asker.answers.push_back(Answer::No);
+    window().requestTeamMove(0, 2);
+    EXPECT_EQ(asker.lastText(), "Move team here?");
+    EXPECT_EQ(fieldText(set().team(0).name), "T0");
+
+    asker.answers.push_back(Answer::Yes);
+    window().requestTeamMove(0, 2);
+    // List order T1, T2, T0, T3, ...
+    EXPECT_EQ(fieldText(set().team(0).name), "T1");
+    EXPECT_EQ(fieldText(set().team(1).name), "T2");
+    EXPECT_EQ(fieldText(set().team(2).name), "T0");
+    EXPECT_EQ(fieldText(set().team(3).name), "T3");
+    EXPECT_EQ(window().teamList()->item(2)->text(), "T0");
+    // Helmets 2t and 2t+1 follow their team.
+    EXPECT_EQ(helmetMark(set(), 4), 1);   // T0's first helmet now at team 2
+    EXPECT_EQ(helmetMark(set(), 5), 2);
+    EXPECT_EQ(helmetMark(set(), 0), 3);   // T1's helmets at team 0
+    EXPECT_EQ(helmetMark(set(), 6), 7);   // team 3 unchanged
+    EXPECT_EQ(fieldText(set().menuHelmets[4].path), "menu0");
+    EXPECT_EQ(fieldText(set().menuHelmets[1].path), "menu3");
+    EXPECT_EQ(set().liveries[2][0], 100);
+    // The pit order keeps naming the same teams at their new places.
+    EXPECT_EQ(set().team(0).teamOrder, 1);   // T2 is now slot 1
+    EXPECT_EQ(set().team(2).teamOrder, 2);   // T0 is now slot 2
+    EXPECT_EQ(set().document.currentTeam, 2);
+    EXPECT_TRUE(set().document.dirty);
+}
+
+TEST_F(EditingTest, DraggingInTheTeamListAsksOnlyWhileSwappingIsAllowed) {
+    markTeams(set());
+    window().refreshAll();
+    TeamList* list = window().teamList();
+    auto drag = [&](int fromRow, int toRow) {
+        const QPoint from = list->visualItemRect(list->item(fromRow)).center();
+        const QPoint to = list->visualItemRect(list->item(toRow)).bottomLeft() + QPoint(5, 1);
+        QTest::mousePress(list->viewport(), Qt::LeftButton, {}, from);
+        QMouseEvent move(QEvent::MouseMove, QPointF(to), list->viewport()->mapToGlobal(QPointF(to)), Qt::NoButton,
+                         Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(list->viewport(), &move);
+        QTest::mouseRelease(list->viewport(), Qt::LeftButton, {}, to);
+    };
+    drag(0, 3);
+    EXPECT_TRUE(asker.texts.empty());
+    EXPECT_EQ(fieldText(set().team(0).name), "T0");
+
+    session.config.teamSwap = true;
+    window().refreshAll();
+    asker.answers.push_back(Answer::Yes);
+    drag(0, 3);
+    EXPECT_EQ(asker.lastText(), "Move team here?");
+    EXPECT_EQ(fieldText(set().team(3).name), "T0");
+    EXPECT_EQ(fieldText(set().team(0).name), "T1");
+}
+
+TEST_F(EditingTest, GripsAreShownAndTypedInTheLowForm) {
+    const int number = set().team(0).driver[0];
+    set().driver(number).gripRace = 30751;
+    window().refreshAll();
+    EXPECT_EQ(window().gripField(0, 0)->text(), "15000");
+    EXPECT_EQ(window().gripBar(0, 0)->maximum(), 17016);
+    window().gripField(0, 0)->setText("1000");
+    emit window().gripField(0, 0)->editingFinished();
+    EXPECT_EQ(set().driver(number).gripRace, 16751);
+    EXPECT_TRUE(set().document.dirty);
+    window().gripField(0, 1)->setText("17017");
+    emit window().gripField(0, 1)->editingFinished();
+    EXPECT_EQ(asker.lastText(), "Driver Grip : 0 to 17016.");
+    EXPECT_EQ(set().driver(number).gripQual, 30751);
+    EXPECT_EQ(window().gripField(0, 1)->text(), "15000");
+}
+
+TEST_F(EditingTest, GripsAreShownAndTypedAsStoredInTheHighForm) {
+    session.config.highGrip = true;
+    const int number = set().team(2).driver[1];
+    set().driver(number).gripQual = 20000;
+    window().selectTeam(2);
+    EXPECT_EQ(window().gripField(1, 1)->text(), "20000");
+    EXPECT_EQ(window().gripBar(1, 1)->minimum(), 15751);
+    window().gripField(1, 1)->setText("32767");
+    emit window().gripField(1, 1)->editingFinished();
+    EXPECT_EQ(set().driver(number).gripQual, 32767);
+    window().gripField(1, 0)->setText("15750");
+    emit window().gripField(1, 0)->editingFinished();
+    EXPECT_EQ(asker.lastText(), "Driver Grip : 15751 to 32767.");
+    // The scroll bar writes through the same conversion.
+    window().gripBar(1, 0)->setValue(16000);
+    EXPECT_EQ(set().driver(number).gripRace, 16000);
+    session.config.highGrip = false;
+    window().refreshAll();
+    window().gripBar(1, 0)->setValue(0);
+    EXPECT_EQ(set().driver(number).gripRace, 15751);
+}
+
+TEST_F(EditingTest, PerformanceBarsAndHighNoseWriteTheCurrentTeam) {
+    window().selectTeam(4);
+    window().performanceBar(0)->setValue(1500);
+    window().performanceBar(2)->setValue(32767);
+    EXPECT_EQ(set().team(4).powerRace, 1500);
+    EXPECT_EQ(set().team(4).failureProbability, 32767);
+    EXPECT_EQ(window().performanceValue(0)->text(), "1500");
+    EXPECT_EQ(window().performanceBar(0)->maximum(), 1579);
+    window().highNose()->click();
+    EXPECT_EQ(set().team(4).highNose, 0);
+    EXPECT_EQ(set().team(3).powerRace, 760);
+}
+
+TEST_F(EditingTest, ChoosingADriverExchangesSeatsAndNumbersRenumber) {
+    const int first = set().team(0).driver[0];
+    const int spare = set().team(14).driver[0];
+    QComboBox* list = window().driverList(0);
+    const int index = list->findData(28);   // the first spare seat
+    ASSERT_GE(index, 0);
+    EXPECT_GT(index, list->findText(" --- SPARE DRIVERS ----------"));
+    emit list->activated(index);
+    EXPECT_EQ(set().team(0).driver[0], spare);
+    EXPECT_EQ(set().team(14).driver[0], first);
+
+    window().driverName(0)->selectAll();
+    QTest::keyClicks(window().driverName(0), "Zed");
+    EXPECT_EQ(fieldText(set().driver(spare).name), "Zed");
+    EXPECT_TRUE(list->currentText().endsWith("Zed"));
+
+    window().driverNumber(0)->setText("40");
+    emit window().driverNumber(0)->editingFinished();
+    EXPECT_EQ(set().team(0).driver[0], 40);
+    EXPECT_EQ(window().driverNumber(0)->text(), "40");
+}
+
+// A 256 x 164 bitmap file whose pixels are value + column % 7.
+QString writeLivery(const std::filesystem::path& file, int value) {
+    BitmapBuffer bitmap(kLiveryWidth, kLiveryHeight);
+    for (int r = 0; r < kLiveryHeight; ++r)
+        for (int x = 0; x < kLiveryWidth; ++x) bitmap.row(r)[x] = std::uint8_t(value + x % 7);
+    EXPECT_TRUE(SaveBitmap8(file, bitmap, GraphicsOptions{}));
+    return QString::fromStdString(file.string());
+}
+
+TEST_F(EditingTest, LiveryLoadedFromABitmapAndUndone) {
+    window().selectTeam(5);
+    const std::vector<std::uint8_t> before = set().liveries[5];
+    const AssetSlot slotBefore = set().team(5).carBitmap;
+    EXPECT_FALSE(window().undoButton()->isEnabled());
+
+    asker.files.push_back(writeLivery(folder() / "CAR.BMP", 40));
+    window().runCommand(command::CarLoad);
+    EXPECT_EQ(asker.fileTitles.back(), "Select New Car");
+    ASSERT_EQ(set().liveries[5].size(), std::size_t(kLiveryPixels));
+    EXPECT_EQ(set().liveries[5][3], 43);
+    EXPECT_EQ(set().team(5).carBitmap.status, kAssetExternal);
+    EXPECT_TRUE(window().undoButton()->isEnabled());
+    window().liveryView()->finishReveal();
+    EXPECT_EQ(window().liveryView()->shown().pixelIndex(3, 0), 43);
+
+    window().undoButton()->click();
+    EXPECT_EQ(set().liveries[5], before);
+    EXPECT_EQ(set().team(5).carBitmap.status, slotBefore.status);
+    EXPECT_FALSE(window().undoButton()->isEnabled());
+}
+
+TEST_F(EditingTest, AWrongSizedBitmapIsRefusedAndNothingChanges) {
+    BitmapBuffer small(100, 50);
+    ASSERT_TRUE(SaveBitmap8(folder() / "SMALL.BMP", small, GraphicsOptions{}));
+    const std::vector<std::uint8_t> before = set().liveries[0];
+    asker.files.push_back(path("SMALL.BMP"));
+    window().runCommand(command::CarLoad);
+    EXPECT_EQ(asker.lastText(), "Couldn't Load Bitmap.");
+    EXPECT_EQ(set().liveries[0], before);
+    EXPECT_FALSE(window().undoButton()->isEnabled());
+}
+
+TEST_F(EditingTest, LiverySavedAndSingleHelmetsExchanged) {
+    window().selectTeam(1);
+    asker.files.push_back(path("OUT.BMP"));
+    window().runCommand(command::CarSaveAs);
+    auto saved = LoadBitmap8(folder() / "OUT.BMP", kLiveryWidth, kLiveryHeight);
+    ASSERT_TRUE(saved);
+    EXPECT_EQ(saved->row(0)[10], set().liveries[1][10]);
+
+    BitmapBuffer single = blankSingleHelmet();
+    for (int r = 0; r < kHelmetHeight; ++r) std::fill_n(single.row(r), kHelmetWidth, std::uint8_t(77));
+    ASSERT_TRUE(SaveSingleHelmet(folder() / "HELMET.BMP", single, GraphicsOptions{}));
+    asker.files.push_back(path("HELMET.BMP"));
+    window().runCommand(command::SecondHelmetLoad);
+    EXPECT_EQ(helmetMark(set(), 3), 77);   // team 1, second car
+    EXPECT_NE(helmetMark(set(), 2), 77);
+    EXPECT_EQ(window().helmetView(1)->helmet().pixelIndex(10, 5), 77);
+
+    asker.files.push_back(path("BACK.BMP"));
+    window().runCommand(command::SecondHelmetSaveAs);
+    auto back = LoadSingleHelmet(folder() / "BACK.BMP");
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->row(4)[20], 77);
+}
+
+TEST_F(EditingTest, MosaicRevealEndsWithTheWholePicture) {
+    session.config.mosaic = 3;
+    set().liveries[6].assign(kLiveryPixels, 9);
+    window().selectTeam(6);
+    EXPECT_TRUE(window().liveryView()->revealing());
+    QTRY_VERIFY_WITH_TIMEOUT(!window().liveryView()->revealing(), 5000);
+    EXPECT_EQ(window().liveryView()->shown(), window().liveryView()->picture());
+    EXPECT_EQ(window().liveryView()->shown().pixelIndex(255, 163), 9);
+}
+
+TEST_F(EditingTest, LaunchRunsTheGameOrTheConfiguredCommandInTheGameFolder) {
+    window().runCommand(command::LaunchGame);
+    ASSERT_EQ(started.size(), 1u);
+    EXPECT_TRUE(started[0].program.endsWith("GP2.EXE"));
+    EXPECT_EQ(started[0].folder.toStdString(), session.config.gameFolder);
+    session.config.launchCommand = "dosbox \"%s\" -exit";
+    window().runCommand(command::LaunchGame);
+    ASSERT_EQ(started.size(), 2u);
+    EXPECT_EQ(started[1].program, "dosbox");
+    ASSERT_EQ(started[1].arguments.size(), 2);
+    EXPECT_TRUE(started[1].arguments[0].endsWith("GP2.EXE"));
+    EXPECT_EQ(started[1].arguments[1], "-exit");
+    startSucceeds = false;
+    window().runCommand(command::LaunchGame);
+    EXPECT_EQ(asker.lastText(), "Failed to Start GP2.");
+}
+
+}  // namespace
+}  // namespace tarvel::test

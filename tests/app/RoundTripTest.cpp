@@ -1,0 +1,98 @@
+// The whole round trip a user makes in the window on a synthetic game:
+// configure, import, edit a team name and a livery, save, reopen, export, and
+// find the change in the game's files.
+
+#include "AppTestSupport.h"
+
+#include "common/FileIO.h"
+#include "game/GameTransfer.h"
+#include "graphics/Bitmap.h"
+#include "shell/CommandTable.h"
+
+#include <QLineEdit>
+#include <QTest>
+
+#include <fstream>
+
+namespace tarvel::test {
+namespace {
+
+std::filesystem::path carJamOfTeam(const std::string& game, int team) {
+    const TransferItemInfo info = transferItemInfo(1 + team);
+    const auto found = findGameFile(game, info.gameFile);
+    return found ? *found : std::filesystem::path();
+}
+
+TEST_F(AppTest, RoundTripThroughTheGame) {
+    const std::string game = makeTestGame(folder() / "game", GameFixtureOptions{0});
+    session.readConfiguration();
+    asker.onConfigure = [&](MainWindow& w) {
+        ConfigDialog dialog(w.session(), asker, &w);
+        dialog.exeField()->setText(QString::fromStdString(game + "GP2.EXE"));
+        dialog.accept();
+        return dialog.result() == QDialog::Accepted;
+    };
+    MainWindow& w = window();
+    w.startUp({});
+    ASSERT_EQ(asker.configureCalls, 1);
+    ASSERT_EQ(session.gameVersion, 0);
+
+    // Import: the game's names replace the defaults.
+    w.runCommand(command::ImportFromGame);
+    ASSERT_TRUE(asker.ids.empty()) << asker.lastText();
+    const std::string imported = fieldText(w.carSet().team(0).name);
+    EXPECT_NE(imported, "Team Name");
+    EXPECT_EQ(w.teamName()->text().toStdString(), windows1252ToUtf8(imported));
+    EXPECT_TRUE(w.carSet().document.dirty);
+
+    // Edit a name and a livery.
+    w.selectTeam(0);
+    w.teamName()->selectAll();
+    QTest::keyClicks(w.teamName(), "Rocket");
+    BitmapBuffer bitmap(kLiveryWidth, kLiveryHeight);
+    for (int r = 0; r < kLiveryHeight; ++r)
+        for (int x = 0; x < kLiveryWidth; ++x) bitmap.row(r)[x] = std::uint8_t(32 + (x / 16) % 8);
+    ASSERT_TRUE(SaveBitmap8(folder() / "NEW.BMP", bitmap, GraphicsOptions{}));
+    asker.files.push_back(path("NEW.BMP"));
+    w.runCommand(command::CarLoad);
+    const std::vector<std::uint8_t> livery = w.carSet().liveries[0];
+
+    // Save, start again and reopen.
+    asker.files.push_back(path("ROUND.GP2"));
+    w.runCommand(command::Save);
+    ASSERT_FALSE(w.carSet().document.dirty);
+    w.runCommand(command::NewCarSet);
+    EXPECT_EQ(fieldText(w.carSet().team(0).name), "Team Name");
+    asker.files.push_back(path("ROUND.GP2"));
+    w.runCommand(command::Open);
+    ASSERT_EQ(fieldText(w.carSet().team(0).name), "Rocket");
+    EXPECT_EQ(w.carSet().liveries[0], livery);
+
+    // Export, then read the game back into a fresh set.
+    const std::filesystem::path jam = carJamOfTeam(game, 0);
+    ASSERT_FALSE(jam.empty());
+    const Bytes jamBefore = readFileBytes(jam);
+    w.runCommand(command::ExportToGame);
+    ASSERT_TRUE(asker.ids.empty()) << asker.lastText();
+    EXPECT_NE(readFileBytes(jam), jamBefore);
+
+    w.runCommand(command::NewCarSet);
+    w.runCommand(command::ImportFromGame);
+    ASSERT_TRUE(asker.ids.empty()) << asker.lastText();
+    EXPECT_EQ(fieldText(w.carSet().team(0).name), "Rocket");
+    // The livery came back from the game's texture in the colours it was given.
+    EXPECT_EQ(w.carSet().liveries[0][64 * kLiveryWidth + 40], livery[64 * kLiveryWidth + 40]);
+}
+
+TEST_F(AppTest, ImportWithAMissingGameFileNamesIt) {
+    const std::string game = configureGame();
+    window().startUp({});
+    std::filesystem::remove(*findGameFile(game, "GP2.EXE"));
+    window().runCommand(command::ImportFromGame);
+    ASSERT_FALSE(asker.ids.empty());
+    EXPECT_EQ(asker.ids.back(), MessageId::FileNotFound);
+    EXPECT_EQ(asker.lastText(), "File Not Found - GP2.EXE.");
+}
+
+}  // namespace
+}  // namespace tarvel::test

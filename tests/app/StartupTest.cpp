@@ -1,0 +1,198 @@
+// Start-up and the configuration dialog.
+
+#include "AppTestSupport.h"
+
+#include "shell/CommandTable.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QLabel>
+#include <QRadioButton>
+#include <QSlider>
+
+#include <fstream>
+
+namespace tarvel::test {
+namespace {
+
+bool gameCommandsEnabled(MainWindow& w) {
+    return w.action(command::ImportFromGame)->isEnabled() && w.action(command::ExportToGame)->isEnabled() &&
+           w.action(command::LaunchGame)->isEnabled();
+}
+
+std::string readText(const std::filesystem::path& path) {
+    std::ifstream in(path);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+TEST_F(AppTest, StartWithoutConfigurationFileOffersTheDialogAndKeepsGameCommandsOff) {
+    session.readConfiguration();
+    EXPECT_FALSE(session.configFileExisted);
+    window().startUp({});
+    EXPECT_EQ(asker.configureCalls, 1);
+    EXPECT_FALSE(gameCommandsEnabled(window()));
+    EXPECT_EQ(window().windowTitle().toStdString(), "Tarvel-32 v1.86 - [ ..... ]");
+}
+
+TEST_F(AppTest, StartWithKnownGameOffersNoDialogAndEnablesGameCommands) {
+    configureGame(3);
+    window().startUp({});
+    EXPECT_EQ(asker.configureCalls, 0);
+    EXPECT_EQ(session.gameVersion, 3);
+    EXPECT_TRUE(gameCommandsEnabled(window()));
+}
+
+TEST_F(AppTest, UnsupportedReleaseAtStartKeepsFolderAndOffersTheDialog) {
+    std::filesystem::create_directories(folder() / "old");
+    std::ofstream(folder() / "old" / "GP2.EXE") << "not the game";
+    writeConfig("[Files]\nLocate GP2.EXE=" + (folder() / "old").string() + "/\n");
+    window().startUp({});
+    EXPECT_EQ(session.gameVersion, -1);
+    EXPECT_EQ(asker.configureCalls, 1);
+    EXPECT_FALSE(gameCommandsEnabled(window()));
+    EXPECT_FALSE(session.config.gameFolder.empty());
+}
+
+TEST_F(AppTest, ConfigurationDialogAcceptsGp2ExeInAnyCaseAndDetectsTheRelease) {
+    const std::string game = makeTestGame(folder() / "lower", GameFixtureOptions{2, true});
+    session.readConfiguration();
+    asker.onConfigure = [&](MainWindow& w) {
+        ConfigDialog dialog(w.session(), asker, &w);
+        dialog.exeField()->setText(QString::fromStdString(game + "gp2.exe"));
+        dialog.accept();
+        return dialog.result() == QDialog::Accepted;
+    };
+    window().startUp({});
+    EXPECT_EQ(session.gameVersion, 2);
+    EXPECT_EQ(session.config.gameFolder, game);
+    EXPECT_TRUE(gameCommandsEnabled(window()));
+    EXPECT_TRUE(asker.ids.empty());
+    // The folder was written to the configuration file.
+    EXPECT_NE(readText(session.configPath).find("Locate GP2.EXE=" + game), std::string::npos);
+}
+
+TEST_F(AppTest, ConfigurationDialogRefusesOtherNamesAndMissingFiles) {
+    configureGame();
+    std::ofstream(folder() / "GAME.EXE") << "x";
+    ConfigDialog dialog(session, asker);
+    for (const std::string& typed : {(folder() / "GAME.EXE").string(), (folder() / "nothere" / "GP2.EXE").string()}) {
+        asker.ids.clear();
+        dialog.exeField()->setText(QString::fromStdString(typed));
+        dialog.accept();
+        EXPECT_NE(dialog.result(), QDialog::Accepted) << typed;
+        ASSERT_EQ(asker.ids.size(), 1u);
+        EXPECT_EQ(asker.ids[0], MessageId::LocateGp2Exe);
+        EXPECT_EQ(dialog.exeField()->selectedText(), dialog.exeField()->text());
+    }
+}
+
+TEST_F(AppTest, ConfigurationDialogWithUnsupportedReleaseSaysSoAndDisablesGameCommands) {
+    configureGame();
+    window().startUp({});
+    ASSERT_TRUE(gameCommandsEnabled(window()));
+    std::filesystem::create_directories(folder() / "bad");
+    std::ofstream(folder() / "bad" / "GP2.EXE") << "garbage";
+    asker.onConfigure = [&](MainWindow& w) {
+        ConfigDialog dialog(w.session(), asker, &w);
+        dialog.exeField()->setText(QString::fromStdString((folder() / "bad" / "GP2.EXE").string()));
+        dialog.accept();
+        return dialog.result() == QDialog::Accepted;
+    };
+    window().runCommand(command::ProgramConfiguration);
+    EXPECT_TRUE(asker.shown(MessageId::UnsupportedVersion));
+    EXPECT_EQ(session.gameVersion, -1);
+    EXPECT_FALSE(gameCommandsEnabled(window()));
+}
+
+TEST_F(AppTest, ConfigurationDialogShowsAndStoresEveryOption) {
+    const std::string game = configureGame();
+    writeConfig("[Files]\nLocate GP2.EXE=" + game +
+                "\n[Config]\nNiceGrid=0\nGP2Palette=1\nHighGrip=1\nMosaic=9\nTeamSwap=1\nCheckSum=0\n");
+    ConfigDialog dialog(session, asker);
+    // Inverted keys: NiceGrid 0 ticks the alternate calculator, GP2Palette 1 clears the Tarvel palette.
+    EXPECT_TRUE(dialog.box(" Use Alternate Grid Calculator ")->isChecked());
+    EXPECT_FALSE(dialog.box(" Save Bitmap: Use Tarvel Palette ")->isChecked());
+    EXPECT_TRUE(dialog.box(" Allow Team Swapping ")->isChecked());
+    EXPECT_FALSE(dialog.box(" Verify Car Set Checksums ")->isChecked());
+    EXPECT_TRUE(dialog.highGrip()->isChecked());
+    EXPECT_EQ(dialog.mosaic()->value(), 4);
+    dialog.mosaic()->setValue(0);
+    EXPECT_EQ(dialog.mosaicValue()->text(), "OFF");
+    dialog.box(" Use Alternate Grid Calculator ")->setChecked(false);
+    dialog.lowGrip()->setChecked(true);
+    dialog.launchField()->setText("dosbox \"%s\"");
+    dialog.accept();
+    ASSERT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_TRUE(session.config.niceGrid);
+    EXPECT_FALSE(session.config.highGrip);
+    EXPECT_EQ(session.config.mosaic, 0);
+    // What was written is read back the same way.
+    Session reread;
+    reread.configPath = session.configPath;
+    reread.readConfiguration();
+    EXPECT_TRUE(reread.config.niceGrid);
+    EXPECT_FALSE(reread.config.highGrip);
+    EXPECT_EQ(reread.config.mosaic, 0);
+    EXPECT_TRUE(reread.config.gp2Palette);
+    EXPECT_EQ(reread.config.launchCommand, "dosbox \"%s\"");
+}
+
+TEST_F(AppTest, ConfigurationDialogCancelRestoresTheGameFolder) {
+    const std::string game = configureGame();
+    ConfigDialog dialog(session, asker);
+    dialog.exeField()->setText("/somewhere/else/GP2.EXE");
+    dialog.reject();
+    EXPECT_EQ(session.config.gameFolder, game);
+    EXPECT_NE(readText(session.configPath).find("Locate GP2.EXE=" + game), std::string::npos);
+}
+
+TEST_F(AppTest, BrowseFillsTheFieldFromTheFileDialog) {
+    session.readConfiguration();
+    ConfigDialog dialog(session, asker);
+    asker.files.push_back("/games/gp2/GP2.EXE");
+    dialog.browse();
+    EXPECT_EQ(dialog.exeField()->text(), "/games/gp2/GP2.EXE");
+    ASSERT_EQ(asker.fileTitles.size(), 1u);
+    EXPECT_EQ(asker.fileTitles[0], "Locate GP2.EXE");
+}
+
+TEST_F(AppTest, HelpEntryIsRemovedWithoutHelpFileAndEveryUnbuiltCommandIsDisabled) {
+    session.readConfiguration();
+    session.helpExists = false;
+    MainWindow& w = window();
+    EXPECT_EQ(w.action(command::Help), nullptr);
+    for (const CommandSpec& spec : commandTable()) {
+        if (spec.id == 0 || spec.built) continue;
+        QAction* act = w.action(spec.id);
+        ASSERT_NE(act, nullptr) << spec.id;
+        EXPECT_FALSE(act->isEnabled()) << spec.id;
+        w.runCommand(spec.id);   // an unbuilt command does nothing, even when dispatched
+    }
+    EXPECT_FALSE(w.carSet().document.dirty);
+}
+
+TEST_F(AppTest, HelpEntryStaysWithHelpFile) {
+    session.readConfiguration();
+    session.helpExists = true;
+    EXPECT_NE(window().action(command::Help), nullptr);
+}
+
+TEST_F(AppTest, InformationTextIsShownAtStartWhenAsked) {
+    configureGame();
+    // A set with information, saved and opened from the command line.
+    {
+        MainWindow& w = window();
+        w.carSet().hasInformation = true;
+        w.carSet().information = "Made for testing.";
+        asker.files.push_back(path("INFO.GP2"));
+        ASSERT_TRUE(w.saveAs());
+    }
+    MainWindow second(session, asker);
+    second.startUp(path("INFO.GP2"));
+    ASSERT_EQ(asker.information.size(), 1u);
+    EXPECT_EQ(asker.information[0], "Made for testing.");
+    EXPECT_TRUE(second.action(command::AboutCarSet)->isEnabled());
+}
+
+}  // namespace
+}  // namespace tarvel::test
