@@ -54,7 +54,7 @@ Result<MenuPictureEntry> readMenuIndexEntry(std::span<const std::uint8_t> file, 
 }
 
 Result<Bytes> decodeMenuPackets(std::span<const std::uint8_t> coded, int width, int height) {
-    if (width <= 0 || height <= 0 || width > kBitmapMaxSide || height > kBitmapMaxSide)
+    if (width <= 0 || height <= 0 || width > kMenuPictureMaxWidth || height > kMenuPictureMaxHeight)
         return fail(MessageId::FailedToImportMenuHelmet);
     Bytes pixels(std::size_t(paddedRowLength(width)) * std::size_t(height), 0);
     std::size_t out = 0;

@@ -19,6 +19,9 @@ constexpr int kMenuHelmetCount = 28;        // slots 0-27
 constexpr int kMenuHelmetSide = 104;        // 104 x 104 pixels
 constexpr int kMenuHelmetFirstNumber = 326; // the game's number of slot 0
 constexpr std::size_t kMenuHelmetMaxCoded = 2u * kMenuHelmetSide * kMenuHelmetSide;
+// The menus are a 640 x 480 screen: no picture of the file is larger.
+constexpr int kMenuPictureMaxWidth = 640;
+constexpr int kMenuPictureMaxHeight = 480;
 
 struct MenuPictureEntry {
     std::uint32_t offset = 0;
