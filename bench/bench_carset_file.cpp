@@ -3,6 +3,7 @@
 // must move item data at 200 MB/s or more.
 
 #include "carset/CarSetFile.h"
+#include "common/Checksum.h"
 #include "common/RunLength.h"
 #include "graphics/Bitmap.h"
 #include "graphics/JamCatalogue.h"
@@ -182,6 +183,14 @@ void BM_RunLengthEncodeTexture(benchmark::State& state) {
     state.SetBytesProcessed(std::int64_t(state.iterations()) * std::int64_t(raw.size()));
 }
 
+void BM_ChecksumTrailer(benchmark::State& state) {
+    std::mt19937 rng(5);
+    Bytes data(8 << 20);
+    for (auto& b : data) b = std::uint8_t(rng());
+    for (auto _ : state) benchmark::DoNotOptimize(computeChecksum(data));
+    state.SetBytesProcessed(std::int64_t(state.iterations()) * std::int64_t(data.size()));
+}
+
 }  // namespace
 
 BENCHMARK(BM_OpenEmptySet)->Unit(benchmark::kMillisecond);
@@ -191,3 +200,4 @@ BENCHMARK(BM_OpenFullSetChecksum)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SaveFullSet)->Arg(1)->Arg(0)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SaveFromOutsideFiles)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_RunLengthEncodeTexture);
+BENCHMARK(BM_ChecksumTrailer)->Unit(benchmark::kMillisecond);

@@ -32,12 +32,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     options.verifyChecksum = false;
     (void)checkCarSetFile(inputPath(), options);
 
-    CarSet set;
+    // One set for every run: a failed load must leave it as it was, and a
+    // successful one replaces all of it.
+    static CarSet set;
     if (!loadCarSet(set, inputPath(), options)) return 0;
     for (AssetKind kind : {AssetKind::Wheel, AssetKind::Cockpit, AssetKind::Jam, AssetKind::MenuHelmet, AssetKind::Sound})
         for (int slot = 0; slot < assetSlotCount(kind); ++slot)
             if (assetSlot(set, kind, slot).status == kAssetStored) (void)readAssetBytes(set, kind, slot);
     // Saving what was loaded must work in memory whatever the items hold.
     (void)buildCarSetFile(set, options);
+    set.document.openFile.reset();
     return 0;
 }

@@ -42,7 +42,14 @@ void setFieldText(char* field, std::size_t size, std::string_view text) {
 
 CarSet::CarSet() { resetToDefaults(); }
 
+CarSet::CarSet(WithoutPictures) { resetTablesToDefaults(); }
+
 void CarSet::resetToDefaults() {
+    resetTablesToDefaults();
+    fillDefaultPictures(*this);
+}
+
+void CarSet::resetTablesToDefaults() {
     // 1. Team and driver tables zeroed.
     teams.fill(TeamRecord{});
     drivers.fill(DriverRecord{});
@@ -92,7 +99,6 @@ void CarSet::resetToDefaults() {
     document.currentTeam = 0;
     document.openFile.reset();
     if (!document.workingFolder.empty()) deleteTemporaryAssetFiles(document.workingFolder);
-    fillDefaultPictures(*this);
 }
 
 void CarSet::assignDriverFlags() {

@@ -133,6 +133,10 @@ struct DocumentState {
 class CarSet {
 public:
     CarSet();
+    // A set reset to the defaults but without the default pictures (empty
+    // liveries and helmet sheet), for a loader that fills them itself.
+    struct WithoutPictures {};
+    explicit CarSet(WithoutPictures);
 
     // Team table, slots 0-19, and driver table indexed by racing number 1-40
     // (entry 0 names no driver and stays zero).
@@ -173,6 +177,8 @@ public:
 
     // --- operations -------------------------------------------------------
     void resetToDefaults();
+    // resetToDefaults without rebuilding the default pictures.
+    void resetTablesToDefaults();
     void markDirty() { document.dirty = true; }
     void assignDriverFlags();
     void snapshotPerformance();

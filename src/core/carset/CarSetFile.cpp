@@ -729,7 +729,7 @@ Status loadCarSet(CarSet& set, const fs::path& path, const CarSetFileOptions& op
     if (!version) return fail(version.error());
 
     // Everything is read into a fresh set; `set` is only touched on success.
-    CarSet loaded;
+    CarSet loaded{CarSet::WithoutPictures{}};
     loaded.transferItems = set.transferItems;
     loaded.document.workingFolder = set.document.workingFolder;
     loaded.document.currentTeam = set.document.currentTeam;

@@ -393,6 +393,23 @@ TEST_F(CarSetAssets, FailedSaveLeavesTheOldFileAndTheModel) {
     EXPECT_EQ(files, 1);
 }
 
+TEST_F(CarSetAssets, FilesCutInsideAnAssetSectionAreRefused) {
+    ASSERT_TRUE(saveCarSet(set, dir / "set.gp2", checked()));
+    Bytes file = test::readFile(dir / "set.gp2");
+    for (int entry : {74, 79, 99, 104, 109}) {
+        std::size_t at = directoryOffset(file, entry);
+        ASSERT_GT(at, 0u) << entry;
+        for (std::size_t cut : {at, at + 1, at + 40}) {
+            test::writeFile(dir / "cut.gp2", Bytes(file.begin(), file.begin() + std::ptrdiff_t(cut)));
+            CarSet loaded;
+            auto status = loadCarSet(loaded, dir / "cut.gp2", unchecked());
+            ASSERT_FALSE(status) << entry << " " << cut;
+            EXPECT_EQ(status.error().id, MessageId::NotValidCarSet);
+            EXPECT_FALSE(loaded.document.hasFile);
+        }
+    }
+}
+
 TEST_F(CarSetAssets, DamagedItemOffsetsGiveErrors) {
     ASSERT_TRUE(saveCarSet(set, dir / "set.gp2", checked()));
     Bytes file = test::readFile(dir / "set.gp2");
