@@ -145,7 +145,9 @@ TEST_F(StateFile, WriteNamesNumbersMapAndTrailer) {
     for (std::size_t k = 0; k + 4 < after.size(); ++k) {
         bool written = k >= fixture::kStateNumbers && k < fixture::kStateEngines + 14 * 13 &&
                        !(k >= fixture::kStateCockpit && k < fixture::kStateCockpit + 42);
-        if (!written) ASSERT_EQ(after[k], before[k]) << "offset " << k;
+        if (!written) {
+            ASSERT_EQ(after[k], before[k]) << "offset " << k;
+        }
     }
 }
 
