@@ -134,6 +134,7 @@ void MainWindow::buildControls() {
     caption("Teams", 16, 31);
     teamList_ = new TeamList(canvas_);
     teamList_->setGeometry(16, 47, 132, 200);
+    teamList_->setStyleSheet("QListWidget::item { padding: 0px; margin: 0px; height: 14px; }");
     connect(teamList_, &QListWidget::currentRowChanged, this, [this](int row) {
         if (!updating_ && row >= 0) selectTeam(row);
     });
@@ -253,7 +254,9 @@ void MainWindow::buildMenus() {
         }
         return parent;
     };
-    auto* toolbar = addToolBar("Commands");
+    // The toolbar sits in the top band of the window's client area, above the controls.
+    auto* toolbar = new QToolBar("Commands", canvas_);
+    toolbar->setGeometry(0, 0, kCanvasWidth, 28);
     toolbar->setMovable(false);
     toolbar->setIconSize(QSize(16, 16));
     for (const CommandSpec& spec : commandTable()) {
@@ -958,11 +961,10 @@ void MainWindow::importFromGame() {
     session_.detectStateFile();
     Status status;
     {
+        // The modal progress window keeps every other command away meanwhile.
         ProgressWindow progress("Importing...", this);
         progress.show();
-        setEnabled(false);
         status = ImportFromGame(*set_, context, progress);
-        setEnabled(true);
     }
     set_->markDirty();
     set_->recountAssets();
@@ -985,9 +987,7 @@ void MainWindow::exportToGame() {
     {
         ProgressWindow progress("Exporting...", this);
         progress.show();
-        setEnabled(false);
         status = ExportToGame(*set_, context, progress, &notices);
-        setEnabled(true);
     }
     showStatus(status);
     for (const Message& notice : notices) showMessage(notice);

@@ -1,0 +1,166 @@
+// The commands that work on the installed game one picture at a time, and
+// the progress window of the import and export.
+
+#include "AppTestSupport.h"
+
+#include "carset/CarSetPictures.h"
+#include "common/FileIO.h"
+#include "game/GameTransfer.h"
+#include "shell/CommandTable.h"
+#include "shell/ProgressWindow.h"
+#include "shell/Startup.h"
+
+#include "carset/WorkingFolder.h"
+
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include <fstream>
+
+namespace tarvel::test {
+namespace {
+
+class GameCommandsTest : public AppTest {
+protected:
+    void SetUp() override {
+        game = configureGame();
+        window().startUp({});
+        ASSERT_TRUE(session.gameKnown());
+    }
+    std::filesystem::path gameFileOfItem(int item) {
+        const auto found = findGameFile(game, transferItemInfo(item).gameFile);
+        return found ? *found : std::filesystem::path();
+    }
+    std::string game;
+};
+
+TEST_F(GameCommandsTest, CarExportPatchesTheTeamsJamAndImportReadsItBack) {
+    CarSet& set = window().carSet();
+    window().selectTeam(2);
+    for (int i = 0; i < kLiveryPixels; ++i) set.liveries[2][std::size_t(i)] = std::uint8_t(32 + (i / 8) % 8);
+    const std::vector<std::uint8_t> painted = set.liveries[2];
+    const std::filesystem::path jam = gameFileOfItem(3);
+    ASSERT_FALSE(jam.empty());
+    const Bytes before = readFileBytes(jam);
+    window().runCommand(command::CarExport);
+    EXPECT_EQ(asker.lastText(), "File Patched Successfully!");
+    EXPECT_NE(readFileBytes(jam), before);
+
+    set.liveries[2].assign(kLiveryPixels, 0);
+    window().runCommand(command::CarImport);
+    EXPECT_EQ(set.team(2).carBitmap.status, kAssetExternal);
+    EXPECT_EQ(set.liveries[2][std::size_t(80 * kLiveryWidth + 100)], painted[std::size_t(80 * kLiveryWidth + 100)]);
+    // The import can be undone like a load.
+    ASSERT_TRUE(window().undoButton()->isEnabled());
+    window().undoButton()->click();
+    EXPECT_EQ(set.liveries[2][0], 0);
+}
+
+TEST_F(GameCommandsTest, HelmetSheetGoesToTheGameAndComesBack) {
+    CarSet& set = window().carSet();
+    const std::vector<std::uint8_t> original = set.helmetSheet;
+    const Bytes before = readFileBytes(gameFileOfItem(15));
+    window().runCommand(command::HelmetsExport);
+    EXPECT_EQ(asker.lastText(), "File Patched Successfully!");
+    EXPECT_NE(readFileBytes(gameFileOfItem(15)), before);
+    set.helmetSheet.assign(kHelmetSheetPixels, 0);
+    window().runCommand(command::HelmetsImport);
+    EXPECT_EQ(asker.ids.size(), 1u) << asker.lastText();
+    // Helmet 0's middle row is back.
+    const std::size_t middle = std::size_t(165 + 7) * kHelmetSheetWidth + 30;
+    EXPECT_EQ(set.helmetSheet[middle], original[middle]);
+}
+
+TEST_F(GameCommandsTest, HelmetSheetFileCommandsRoundTrip) {
+    CarSet& set = window().carSet();
+    asker.files.push_back(path("SHEET.BMP"));
+    window().runCommand(command::HelmetsSaveAs);
+    ASSERT_TRUE(std::filesystem::exists(folder() / "SHEET.BMP"));
+    const std::vector<std::uint8_t> saved = set.helmetSheet;
+    set.helmetSheet.assign(kHelmetSheetPixels, 0);
+    asker.files.push_back(path("SHEET.BMP"));
+    window().runCommand(command::HelmetsLoad);
+    EXPECT_EQ(set.helmetSheet, saved);
+    EXPECT_TRUE(set.document.dirty);
+    asker.files.push_back(path("missing.bmp"));
+    window().runCommand(command::HelmetsLoad);
+    EXPECT_EQ(asker.lastText(), "Couldn't Load Bitmap.");
+    EXPECT_EQ(set.helmetSheet, saved);
+}
+
+TEST_F(GameCommandsTest, ExportAbortedFromTheProgressWindow) {
+    QTimer::singleShot(0, [] {
+        if (auto* progress = qobject_cast<ProgressWindow*>(QApplication::activeModalWidget()))
+            QTest::keyClick(progress, Qt::Key_Escape);
+    });
+    window().runCommand(command::ExportToGame);
+    ASSERT_FALSE(asker.ids.empty());
+    EXPECT_EQ(asker.ids.front(), MessageId::ExportAborted);
+}
+
+TEST_F(GameCommandsTest, GameCommandsAreOffWhileTheReleaseIsUnknown) {
+    session.gameVersion = -1;
+    window().updateCommandStates();
+    for (int id : {command::ImportFromGame, command::ExportToGame, command::LaunchGame, command::CarImport,
+                   command::CarExport, command::HelmetsImport, command::HelmetsExport})
+        EXPECT_FALSE(window().action(id)->isEnabled()) << id;
+    window().runCommand(command::LaunchGame);
+    window().runCommand(command::ExportToGame);
+    EXPECT_TRUE(started.empty());
+    EXPECT_TRUE(asker.texts.empty());
+}
+
+TEST(ProgressWindow, ShowsTheTransferAndAbortsOnEscape) {
+    ProgressWindow progress("Importing...");
+    progress.show();
+    progress.setCategory("Car JAMs");
+    progress.setFile("BRZ1.JAM");
+    progress.setSubImage(3, 12);
+    progress.setColours(7, 64);
+    EXPECT_EQ(progress.categoryText(), "Car JAMs");
+    EXPECT_EQ(progress.fileText(), "BRZ1.JAM");
+    EXPECT_FALSE(progress.aborted());
+    QTest::keyClick(&progress, Qt::Key_Escape);
+    EXPECT_TRUE(progress.aborted());
+    EXPECT_TRUE(progress.isVisible());   // Escape only asks the transfer to stop
+}
+
+TEST(Startup, WorkingFolderIsMadeAndRemovedWithItsFiles) {
+    TempFolder temp("startup");
+    Session session;
+    session.workingFolder = temp.path() / "work-a";
+    ASSERT_TRUE(createWorkingFolder(session));
+    std::ofstream(teamBitmapFile(session.workingFolder, 3)) << "x";
+    // A second process of the same second finds the folder and uses it.
+    EXPECT_TRUE(createWorkingFolder(session));
+    removeWorkingFolder(session);
+    EXPECT_FALSE(std::filesystem::exists(session.workingFolder));
+}
+
+TEST(Startup, SessionReadsTheConfigurationNamedByTheEnvironment) {
+    TempFolder temp("session");
+    const std::filesystem::path ini = temp.path() / "mine.ini";
+    std::ofstream(ini) << "[Files]\nLocate GP2.EXE=X\n[Config]\nMosaic=0\nTeamSwap=1\n";
+    const QByteArray old = qgetenv("TARVEL_CONFIG");
+    qputenv("TARVEL_CONFIG", QByteArray::fromStdString(ini.string()));
+    Session session;
+    prepareSession(session, temp.path(), 0x12345678);
+    qputenv("TARVEL_CONFIG", old);
+    EXPECT_EQ(session.configPath, ini);
+    EXPECT_TRUE(session.config.gameFolder.empty());
+    EXPECT_EQ(session.config.mosaic, 0);
+    EXPECT_TRUE(session.config.teamSwap);
+    EXPECT_FALSE(session.helpExists);
+    EXPECT_EQ(session.workingFolder, workingFolderPath(0x12345678));
+    Rand expected(0x12345678);
+    EXPECT_EQ(session.rand(), expected());
+}
+
+TEST(Startup, CommandLineCarSetIsTheWholeRestOfTheLine) {
+    EXPECT_EQ(commandLineCarSet({"tarvel"}), "");
+    EXPECT_EQ(commandLineCarSet({"tarvel", "/sets/My", "Set.GP2"}), "/sets/My Set.GP2");
+}
+
+}  // namespace
+}  // namespace tarvel::test
