@@ -314,6 +314,22 @@ TEST_F(AppTest, StartUpOpensTheAutofileUnlessACarSetWasNamed) {
     EXPECT_EQ(named.action(command::AutofileOpen)->text(), "AUTO.GP2");
 }
 
+TEST_F(AppTest, StartUpFallsBackToTheAutofileWhenTheNamedSetFails) {
+    const std::string game = configureGame();
+    {
+        MainWindow& w = window();
+        renameTeam(w, "Fallback");
+        asker.files.push_back(path("AUTO.GP2"));
+        ASSERT_TRUE(w.saveAs());
+    }
+    writeConfig("[Files]\nLocate GP2.EXE=" + game + "\nAutoFile=" + (folder() / "AUTO.GP2").string() + "\n");
+    MainWindow w(session, asker);
+    w.startUp(path("NOSUCH.GP2"));
+    EXPECT_TRUE(asker.shown(MessageId::CouldntOpenCarSetFile));
+    EXPECT_EQ(fieldText(w.carSet().team(0).name), "Fallback");
+    EXPECT_EQ(w.windowTitle().toStdString(), "Tarvel-32 v1.86 - [ AUTO.GP2 ]");
+}
+
 TEST_F(AppTest, StartUpWithABrokenAutofileGreysItsEntries) {
     const std::string game = configureGame();
     writeConfig("[Files]\nLocate GP2.EXE=" + game + "\nAutoFile=" + (folder() / "GONE.GP2").string() + "\n");

@@ -336,7 +336,7 @@ void MainWindow::startUp(const QString& commandLine) {
         QApplication::restoreOverrideCursor();
     }
     if (!session_.config.autoFile.empty()) {
-        if (!commandLine.isEmpty()) {
+        if (openedFromCommandLine) {
             autofileLoaded_ = true;
         } else {
             QApplication::setOverrideCursor(Qt::WaitCursor);
@@ -348,7 +348,6 @@ void MainWindow::startUp(const QString& commandLine) {
     show();
     teamList_->setFocus();
     if (session_.config.gameFolder.empty() || !session_.gameKnown()) programConfiguration();
-    (void)openedFromCommandLine;
     if (set_->hasInformation && session_.config.showInfo)
         asker_.showInformation(this, fromModel(set_->information));
 }
