@@ -46,6 +46,9 @@ TEST(GripForm, ConvertsBothWaysAtTheRangeEnds) {
     EXPECT_EQ(gripFromDisplay(17017, false).error().id, MessageId::RangeDriverGripLow);
     EXPECT_EQ(gripFromDisplay(15750, true).error().id, MessageId::RangeDriverGripHigh);
     EXPECT_EQ(gripFromDisplay(32768, true).error().id, MessageId::RangeDriverGripHigh);
+    EXPECT_EQ(*gripRandomFromDisplay(32767), 32767);
+    EXPECT_EQ(gripRandomFromDisplay(-1).error().id, MessageId::RangeDriverGripRandom);
+    EXPECT_EQ(gripRandomFromDisplay(32768).error().id, MessageId::RangeDriverGripRandom);
 }
 
 TEST(DriverSeats, SeatsRunThroughTeamsThenSpares) {

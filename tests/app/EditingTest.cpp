@@ -179,6 +179,14 @@ TEST_F(EditingTest, GripsAreShownAndTypedInTheLowForm) {
     EXPECT_EQ(asker.lastText(), "Driver Grip : 0 to 17016.");
     EXPECT_EQ(set().driver(number).gripQual, 30751);
     EXPECT_EQ(window().gripField(0, 1)->text(), "15000");
+    // The random range is typed as stored in either form; text that is no number is refused.
+    window().gripField(0, 2)->setText("700");
+    emit window().gripField(0, 2)->editingFinished();
+    EXPECT_EQ(set().driver(number).gripRandom, 700);
+    window().gripField(0, 2)->setText("x");
+    emit window().gripField(0, 2)->editingFinished();
+    EXPECT_EQ(asker.lastText(), "Driver Grip Range : 0 to 32767.");
+    EXPECT_EQ(set().driver(number).gripRandom, 700);
 }
 
 TEST_F(EditingTest, GripsAreShownAndTypedAsStoredInTheHighForm) {

@@ -536,34 +536,21 @@ void MainWindow::gripTyped(int car, int which) {
     if (number < 1 || number > kDriverNumbers) return;
     QLineEdit* field = drivers_[std::size_t(car)].gripValue[std::size_t(which)];
     const QString text = field->text().trimmed();
+    // An empty field counts as 0; text that is no number as a value outside every range.
     bool ok = true;
-    const long long typed = text.isEmpty() ? 0 : text.toLongLong(&ok);
-    DriverRecord& driver = set_->driver(number);
-    std::uint16_t& target = driver.*kGripFields[std::size_t(which)];
-    if (which < 2) {
-        const auto converted = ok ? gripFromDisplay(typed, session_.config.highGrip)
-                                  : Result<std::uint16_t>(fail(session_.config.highGrip ? MessageId::RangeDriverGripHigh
-                                                                                        : MessageId::RangeDriverGripLow));
-        if (!converted) {
-            showMessage(converted.error());
-            refreshDriver(car);
-            field->setFocus();
-            field->selectAll();
-            return;
-        }
-        if (*converted == target) return;
-        target = *converted;
-    } else {
-        if (!ok || typed < 0 || typed > kGripStoredMax) {
-            showMessage(Message{MessageId::RangeDriverGripRandom, {}});
-            refreshDriver(car);
-            field->setFocus();
-            field->selectAll();
-            return;
-        }
-        if (target == std::uint16_t(typed)) return;
-        target = std::uint16_t(typed);
+    long long typed = text.isEmpty() ? 0 : text.toLongLong(&ok);
+    if (!ok) typed = -1;
+    std::uint16_t& target = set_->driver(number).*kGripFields[std::size_t(which)];
+    const auto converted = which == 2 ? gripRandomFromDisplay(typed) : gripFromDisplay(typed, session_.config.highGrip);
+    if (!converted) {
+        showMessage(converted.error());
+        refreshDriver(car);
+        field->setFocus();
+        field->selectAll();
+        return;
     }
+    if (*converted == target) return;
+    target = *converted;
     set_->markDirty();
     refreshDriver(car);
 }

@@ -18,4 +18,9 @@ Result<std::uint16_t> gripFromDisplay(long long shown, bool highGrip) {
     return std::uint16_t(highGrip ? shown : shown + kGripStoredMin);
 }
 
+Result<std::uint16_t> gripRandomFromDisplay(long long shown) {
+    if (shown < 0 || shown > kGripStoredMax) return fail(MessageId::RangeDriverGripRandom);
+    return std::uint16_t(shown);
+}
+
 }  // namespace tarvel

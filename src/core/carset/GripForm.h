@@ -23,4 +23,8 @@ int gripToDisplay(std::uint16_t stored, bool highGrip);
 // 17016." / "Driver Grip : 15751 to 32767.") when it is out of range.
 Result<std::uint16_t> gripFromDisplay(long long shown, bool highGrip);
 
+// The random grip range is shown and typed as stored: 0-32767, else "Driver
+// Grip Range : 0 to 32767.".
+Result<std::uint16_t> gripRandomFromDisplay(long long shown);
+
 }  // namespace tarvel
