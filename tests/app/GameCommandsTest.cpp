@@ -6,6 +6,7 @@
 #include "carset/CarSetPictures.h"
 #include "common/FileIO.h"
 #include "game/GameTransfer.h"
+#include "shell/CarBitmapPopup.h"
 #include "shell/CommandTable.h"
 #include "shell/ProgressWindow.h"
 #include "shell/Startup.h"
@@ -160,6 +161,32 @@ TEST(Startup, SessionReadsTheConfigurationNamedByTheEnvironment) {
 TEST(Startup, CommandLineCarSetIsTheWholeRestOfTheLine) {
     EXPECT_EQ(commandLineCarSet({"tarvel"}), "");
     EXPECT_EQ(commandLineCarSet({"tarvel", "/sets/My", "Set.GP2"}), "/sets/My Set.GP2");
+}
+
+}  // namespace
+}  // namespace tarvel::test
+
+namespace tarvel::test {
+namespace {
+
+QPushButton* popupButton(CarBitmapPopup& popup, const QString& text) {
+    for (QPushButton* b : popup.findChildren<QPushButton*>())
+        if (b->text() == text) return b;
+    return nullptr;
+}
+
+TEST(CarBitmapPopup, ButtonsPostTheirCommandsAndFollowTheCommandStates) {
+    CarBitmapPopup popup([](int id) { return id != command::CarImport; });
+    ASSERT_NE(popupButton(popup, "Import"), nullptr);
+    EXPECT_FALSE(popupButton(popup, "Import")->isEnabled());
+    EXPECT_TRUE(popupButton(popup, "Export")->isEnabled());
+    EXPECT_EQ(popupButton(popup, "Load")->size(), QSize(100, 21));
+    popupButton(popup, "Save as")->click();
+    EXPECT_EQ(popup.chosen(), command::CarSaveAs);
+    EXPECT_EQ(popup.result(), QDialog::Accepted);
+    CarBitmapPopup closing([](int) { return true; });
+    popupButton(closing, "Close")->click();
+    EXPECT_EQ(closing.chosen(), 0);
 }
 
 }  // namespace

@@ -25,13 +25,15 @@ constexpr std::array<PopupButton, 6> kButtons{{
 
 }  // namespace
 
-CarBitmapPopup::CarBitmapPopup(QWidget* parent) : QDialog(parent, Qt::Popup) {
+CarBitmapPopup::CarBitmapPopup(const std::function<bool(int)>& enabled, QWidget* parent)
+    : QDialog(parent, Qt::Popup) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(1, 1, 1, 1);
     layout->setSpacing(0);
     for (const PopupButton& spec : kButtons) {
         auto* button = new QPushButton(spec.text, this);
         button->setFixedSize(100, 21);
+        button->setEnabled(spec.id == 0 || enabled(spec.id));
         const int id = spec.id;
         connect(button, &QPushButton::clicked, this, [this, id] {
             chosen_ = id;

@@ -4,12 +4,15 @@
 
 #include <QDialog>
 
+#include <functional>
+
 namespace tarvel {
 
 class CarBitmapPopup : public QDialog {
     Q_OBJECT
 public:
-    explicit CarBitmapPopup(QWidget* parent = nullptr);
+    // `enabled` tells whether a command can run now; its button is greyed otherwise.
+    explicit CarBitmapPopup(const std::function<bool(int)>& enabled, QWidget* parent = nullptr);
     int chosen() const { return chosen_; }
 
 private:

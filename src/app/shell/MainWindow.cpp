@@ -930,7 +930,12 @@ void MainWindow::showEnlargedLivery() {
 }
 
 void MainWindow::showCarPopup() {
-    CarBitmapPopup popup(this);
+    CarBitmapPopup popup(
+        [this](int id) {
+            QAction* act = action(id);
+            return act ? act->isEnabled() : true;
+        },
+        this);
     popup.move(mapToGlobal(QPoint(165, 204 + canvas_->y())));
     const int chosen = popup.exec() == QDialog::Accepted ? popup.chosen() : 0;
     if (chosen != 0) runCommand(chosen);
