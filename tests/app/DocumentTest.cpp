@@ -280,6 +280,13 @@ TEST_F(DocumentTest, AutofileOpenAsksAboutChangesAndReportsAMissingFile) {
     asker.answers.push_back(Answer::No);
     window().runCommand(command::AutofileOpen);
     EXPECT_EQ(teamName(window(), 0), "Saved");
+    // Yes saves into the open file (the Autofile itself), which is then read again.
+    renameTeam(window(), "Resaved");
+    asker.answers.push_back(Answer::Yes);
+    window().runCommand(command::AutofileOpen);
+    EXPECT_EQ(teamName(window(), 0), "Resaved");
+    EXPECT_FALSE(window().carSet().document.dirty);
+    EXPECT_TRUE(asker.answers.empty());
 
     std::filesystem::remove(folder() / "AUTO.GP2");
     window().runCommand(command::AutofileOpen);
