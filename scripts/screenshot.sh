@@ -19,6 +19,12 @@ game="$work/game"
 if [ -x "$build/tests/make-test-game" ]; then
     "$build/tests/make-test-game" "$game" --release 0 >/dev/null
     printf '[Files]\nLocate GP2.EXE=%s/\n' "$game" >"$work/tarvel32.ini"
+    # With the command-line tool at hand, show the synthetic game's teams.
+    cli="$build/src/cli/tarvel-cli"
+    if [ -z "$carset" ] && [ -x "$cli" ] && "$cli" new "$work/new.GP2" >/dev/null 2>&1 &&
+        "$cli" game import "$game" "$work/new.GP2" -o "$work/GAME.GP2" --items 0 >/dev/null 2>&1; then
+        carset="$work/GAME.GP2"
+    fi
 else
     printf '[Files]\nLocate GP2.EXE=X\n' >"$work/tarvel32.ini"
 fi
