@@ -1,8 +1,13 @@
 #include "common/RunLength.h"
 
+#include <cstring>
+
 namespace tarvel {
 
 namespace {
+
+constexpr std::uint64_t kOnes = 0x0101010101010101ull;
+constexpr std::uint64_t kHighBits = 0x8080808080808080ull;
 
 // Length of the run of equal bytes starting at `i`, capped at the longest run
 // one pair can hold.
@@ -32,6 +37,21 @@ std::size_t runLengthEncodeBounded(std::span<const std::uint8_t> raw, std::uint8
     const std::size_t n = raw.size();
     std::size_t at = 0;
     for (std::size_t i = 0; i < n && at < limit;) {
+        // Eight literals at a time while no two neighbours are equal and no
+        // byte has its top two bits set (such bytes may need escaping).
+        while (i + 9 <= n && at + 8 <= limit) {
+            std::uint64_t x, y;
+            std::memcpy(&x, p + i, 8);
+            std::memcpy(&y, p + i + 1, 8);
+            std::uint64_t d = x ^ y;
+            bool equalNeighbours = ((d - kOnes) & ~d & kHighBits) != 0;
+            bool highBytes = (x & (x << 1) & kHighBits) != 0;
+            if (equalNeighbours || highBytes) break;
+            std::memcpy(o + at, p + i, 8);
+            at += 8;
+            i += 8;
+        }
+        if (i >= n || at >= limit) break;
         std::uint8_t b = p[i];
         if (i + 1 < n && p[i + 1] == b) {
             std::size_t run = runAt(p, i, n);

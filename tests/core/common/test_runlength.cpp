@@ -53,6 +53,44 @@ TEST(RunLength, RunLimitsAndEscapes) {
     EXPECT_TRUE(encode(Bytes{}).empty());
 }
 
+// The coding rules written out byte by byte, as a reference for the coder.
+Bytes referenceEncode(const Bytes& raw) {
+    Bytes out;
+    for (std::size_t i = 0; i < raw.size();) {
+        std::size_t run = 1;
+        while (i + run < raw.size() && raw[i + run] == raw[i] && run < 63) ++run;
+        if (run >= 2) {
+            out.push_back(std::uint8_t(192 + run));
+            out.push_back(raw[i]);
+        } else if (raw[i] > 192) {
+            out.push_back(193);
+            out.push_back(raw[i]);
+        } else {
+            out.push_back(raw[i]);
+        }
+        i += run;
+    }
+    return out;
+}
+
+TEST(RunLength, MatchesTheRulesAtEveryPositionOfALiteralStretch) {
+    // Distinct neighbours with one disturbance (an equal pair, 192, 193, 255)
+    // moved across the positions of a long literal stretch.
+    Bytes base;
+    for (int i = 0; i < 40; ++i) base.push_back(std::uint8_t((i * 5) % 180));
+    EXPECT_EQ(encode(base), base);
+    for (std::size_t at = 0; at < base.size(); ++at) {
+        for (int kind = 0; kind < 4; ++kind) {
+            Bytes raw = base;
+            if (kind == 0 && at + 1 < raw.size()) raw[at + 1] = raw[at];
+            if (kind == 1) raw[at] = 192;
+            if (kind == 2) raw[at] = 193;
+            if (kind == 3) raw[at] = 255;
+            EXPECT_EQ(encode(raw), referenceEncode(raw)) << at << " " << kind;
+        }
+    }
+}
+
 TEST(RunLength, RoundTripOfMixedDataAndDryRunAgree) {
     std::mt19937 rng(1234);
     for (int trial = 0; trial < 50; ++trial) {
@@ -64,6 +102,7 @@ TEST(RunLength, RoundTripOfMixedDataAndDryRunAgree) {
             raw.insert(raw.end(), run, b);
         }
         Bytes coded = encode(raw);
+        EXPECT_EQ(coded, referenceEncode(raw));
         EXPECT_EQ(runLengthCodedSize(raw), coded.size());
         EXPECT_EQ(decode(coded), raw);
     }
