@@ -10,7 +10,6 @@
 #include "graphics/JamCatalogue.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstring>
 #include <string>
 
@@ -544,20 +543,19 @@ int carsetfile::teamBlockSize(int subVersion) {
 Result<std::shared_ptr<CarSetFileHandle>> CarSetFileHandle::open(const fs::path& path) {
     std::shared_ptr<CarSetFileHandle> handle(new CarSetFileHandle());
     handle->path_ = path;
-    handle->file_ = std::fopen(path.string().c_str(), "rb");
+    std::error_code ec;
+    if (fs::is_directory(path, ec)) return cannotOpen();
+    handle->file_.open(path, std::ios::binary);
     if (!handle->file_) return cannotOpen();
-    if (std::fseek(handle->file_, 0, SEEK_END) != 0) return cannotOpen();
-    long end = std::ftell(handle->file_);
-    if (end < 0) return cannotOpen();
+    handle->file_.seekg(0, std::ios::end);
+    std::streamoff end = handle->file_.tellg();
+    if (!handle->file_ || end < 0) return cannotOpen();
     handle->size_ = std::uint64_t(end);
     std::size_t headerBytes = std::size_t(std::min<std::uint64_t>(handle->size_, kHeaderSize));
-    if (std::fseek(handle->file_, 0, SEEK_SET) != 0) return cannotOpen();
-    if (std::fread(handle->header_.data(), 1, headerBytes, handle->file_) != headerBytes) return cannotOpen();
+    auto header = handle->readAt(0, headerBytes);
+    if (!header) return cannotOpen();
+    std::copy(header->begin(), header->end(), handle->header_.begin());
     return handle;
-}
-
-CarSetFileHandle::~CarSetFileHandle() {
-    if (file_) std::fclose(file_);
 }
 
 int CarSetFileHandle::version() const {
@@ -577,11 +575,12 @@ CarSetFileHandle::DirectoryEntry CarSetFileHandle::directoryEntry(int entryOffse
 
 Result<Bytes> CarSetFileHandle::readAt(std::uint64_t offset, std::size_t length) const {
     if (offset > size_ || length > size_ - offset) return invalid();
-    if (offset > std::uint64_t(LONG_MAX)) return invalid();
     Bytes data(length);
     if (length == 0) return data;
-    if (std::fseek(file_, long(offset), SEEK_SET) != 0) return cannotOpen();
-    if (std::fread(data.data(), 1, length, file_) != length) return cannotOpen();
+    file_.clear();
+    file_.seekg(std::streamoff(offset));
+    file_.read(reinterpret_cast<char*>(data.data()), std::streamsize(length));
+    if (!file_ || std::size_t(file_.gcount()) != length) return cannotOpen();
     return data;
 }
 

@@ -8,8 +8,8 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <vector>
 
@@ -53,7 +53,6 @@ public:
 
     // "Couldn't Open Car Set File." when the file cannot be opened.
     static Result<std::shared_ptr<CarSetFileHandle>> open(const std::filesystem::path& path);
-    ~CarSetFileHandle();
     CarSetFileHandle(const CarSetFileHandle&) = delete;
     CarSetFileHandle& operator=(const CarSetFileHandle&) = delete;
 
@@ -85,7 +84,7 @@ public:
 private:
     CarSetFileHandle() = default;
     std::filesystem::path path_;
-    std::FILE* file_ = nullptr;
+    mutable std::ifstream file_;
     std::uint64_t size_ = 0;
     std::array<std::uint8_t, carsetfile::kHeaderSize> header_{};
 };
