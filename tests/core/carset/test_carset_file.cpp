@@ -490,6 +490,9 @@ TEST(CarSetFileCheck, VersionsAndMagic) {
     auto missing = checkCarSetFile(dir / "none.gp2", checked());
     ASSERT_FALSE(missing);
     EXPECT_EQ(messageText(missing.error()), "Couldn't Open Car Set File.");
+    auto folder = checkCarSetFile(dir.path(), checked());
+    ASSERT_FALSE(folder);
+    EXPECT_EQ(folder.error().id, MessageId::CouldntOpenCarSetFile);
 }
 
 TEST(CarSetFileCheck, ChecksumOption) {
