@@ -30,7 +30,6 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileInfo>
-#include <QGuiApplication>
 #include <QIntValidator>
 #include <QLabel>
 #include <QLineEdit>
@@ -943,10 +942,9 @@ void MainWindow::showCarPopup() {
 
 // ---------------------------------------------------------------- game
 
-bool MainWindow::ensureGame() { return session_.gameKnown(); }
 
 void MainWindow::importFromGame() {
-    if (!ensureGame()) return;
+    if (!session_.gameKnown()) return;
     selectAvailableTransferItems(*set_);
     const GameContext context{session_.config.gameFolder, session_.gameVersion, session_.config, session_.workingFolder};
     session_.detectStateFile();
@@ -969,7 +967,7 @@ void MainWindow::importFromGame() {
 }
 
 void MainWindow::exportToGame() {
-    if (!ensureGame()) return;
+    if (!session_.gameKnown()) return;
     selectAvailableTransferItems(*set_);
     const GameContext context{session_.config.gameFolder, session_.gameVersion, session_.config, session_.workingFolder};
     session_.detectStateFile();
@@ -985,7 +983,7 @@ void MainWindow::exportToGame() {
 }
 
 void MainWindow::launchGame() {
-    if (!ensureGame()) return;
+    if (!session_.gameKnown()) return;
     const std::filesystem::path folder(session_.config.gameFolder);
     const std::filesystem::path exe = gameFilePath(folder, "GP2.EXE");
     const QString line = QString::fromStdString(gameLaunchCommandLine(session_.config.launchCommand, exe));

@@ -127,7 +127,6 @@ private:
     void showMessage(const Message& message);
     void showStatus(const Status& status);
     void rememberLivery();
-    bool ensureGame();
 
     // Command handlers.
     void newCarSet();
