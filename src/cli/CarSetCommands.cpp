@@ -13,51 +13,8 @@
 namespace tarvel::cli {
 namespace {
 
-// Positional arguments and the value of "-o"; nullopt on an unknown option,
-// a repeated or valueless "-o", or a wrong number of positional arguments.
-struct Arguments {
-    std::vector<std::string> positional;
-    std::optional<std::string> output;
-};
-
-std::optional<Arguments> parseArguments(const std::vector<std::string>& args, std::size_t positionalCount) {
-    Arguments parsed;
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        const std::string& a = args[i];
-        if (a == "-o" || a == "--output") {
-            if (parsed.output || ++i >= args.size()) return std::nullopt;
-            parsed.output = args[i];
-        } else if (a.size() > 1 && a[0] == '-') {
-            return std::nullopt;
-        } else {
-            parsed.positional.push_back(a);
-        }
-    }
-    if (parsed.positional.size() != positionalCount) return std::nullopt;
-    return parsed;
-}
-
-CarSetFileOptions fileOptions(const Context& context) {
-    CarSetFileOptions options;
-    options.verifyChecksum = context.config.checkSum;
-    return options;
-}
-
 void printNotices(Context& context, const std::vector<Message>& notices) {
     for (const Message& m : notices) context.err << messageText(m) << "\n";
-}
-
-// Loads a set, printing any notice the load leaves; the failure message otherwise.
-std::optional<CarSet> load(Context& context, const std::string& path) {
-    CarSet set;
-    std::vector<Message> notices;
-    Status loaded = loadCarSet(set, path, fileOptions(context), &notices);
-    printNotices(context, notices);
-    if (!loaded) {
-        failed(context, loaded.error());
-        return std::nullopt;
-    }
-    return set;
 }
 
 int save(Context& context, CarSet& set, const std::string& path) {
@@ -73,14 +30,14 @@ constexpr std::string_view kConvertUsage = "convert IN.GP2 OUT.GP2";
 
 int runNew(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 1);
-    if (!parsed || parsed->output) return usageError(context, kNewUsage);
+    if (!parsed) return usageError(context, kNewUsage);
     CarSet set;
     return save(context, set, parsed->positional[0]);
 }
 
 int runCheck(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 1);
-    if (!parsed || parsed->output) return usageError(context, kCheckUsage);
+    if (!parsed) return usageError(context, kCheckUsage);
     std::vector<Message> notices;
     Result<int> version = checkCarSetFile(parsed->positional[0], fileOptions(context), &notices);
     printNotices(context, notices);
@@ -90,9 +47,9 @@ int runCheck(Context& context, const std::vector<std::string>& args) {
 }
 
 int runDump(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseArguments(args, 1);
+    auto parsed = parseArguments(args, 1, kOptionOutput);
     if (!parsed) return usageError(context, kDumpUsage);
-    auto set = load(context, parsed->positional[0]);
+    auto set = loadSet(context, parsed->positional[0]);
     if (!set) return kExitFailed;
     // A file name that is not UTF-8 must not stop the dump.
     std::string text = carSetToJson(*set).dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
@@ -106,8 +63,8 @@ int runDump(Context& context, const std::vector<std::string>& args) {
 }
 
 int runApply(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseArguments(args, 2);
-    if (!parsed || !parsed->output) return usageError(context, kApplyUsage);
+    auto parsed = parseArguments(args, 2, kOptionOutputRequired);
+    if (!parsed) return usageError(context, kApplyUsage);
     const std::string& patchPath = parsed->positional[1];
 
     std::string patchText;
@@ -126,7 +83,7 @@ int runApply(Context& context, const std::vector<std::string>& args) {
         return kExitFailed;
     }
 
-    auto set = load(context, parsed->positional[0]);
+    auto set = loadSet(context, parsed->positional[0]);
     if (!set) return kExitFailed;
     Status applied = applyCarSetJson(*set, patch);
     if (!applied) return failed(context, applied.error());
@@ -135,8 +92,8 @@ int runApply(Context& context, const std::vector<std::string>& args) {
 
 int runConvert(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 2);
-    if (!parsed || parsed->output) return usageError(context, kConvertUsage);
-    auto set = load(context, parsed->positional[0]);
+    if (!parsed) return usageError(context, kConvertUsage);
+    auto set = loadSet(context, parsed->positional[0]);
     if (!set) return kExitFailed;
     return save(context, *set, parsed->positional[1]);
 }

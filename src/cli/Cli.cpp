@@ -155,4 +155,51 @@ int run(const std::vector<std::string>& argv, std::istream& in, std::ostream& ou
     return command->run(context, args);
 }
 
+std::optional<Arguments> parseArguments(const std::vector<std::string>& args, std::size_t positionalCount,
+                                        unsigned options) {
+    Arguments parsed;
+    auto take = [&](std::optional<std::string>& slot, bool accepted, std::size_t& i) {
+        if (!accepted || slot || ++i >= args.size()) return false;
+        slot = args[i];
+        return true;
+    };
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        const std::string& a = args[i];
+        bool ok = true;
+        if (a == "-o" || a == "--output")
+            ok = take(parsed.output, (options & (kOptionOutput | kOptionOutputRequired)) != 0, i);
+        else if (a == "--game")
+            ok = take(parsed.game, (options & kOptionGame) != 0, i);
+        else if (a == "--items")
+            ok = take(parsed.items, (options & kOptionItems) != 0, i);
+        else if (a.size() > 1 && a[0] == '-')
+            ok = false;
+        else
+            parsed.positional.push_back(a);
+        if (!ok) return std::nullopt;
+    }
+    if (parsed.positional.size() != positionalCount) return std::nullopt;
+    if ((options & kOptionOutputRequired) && !parsed.output) return std::nullopt;
+    if ((options & kOptionGame) && !parsed.game) return std::nullopt;
+    return parsed;
+}
+
+CarSetFileOptions fileOptions(const Context& context) {
+    CarSetFileOptions options;
+    options.verifyChecksum = context.config.checkSum;
+    return options;
+}
+
+std::optional<CarSet> loadSet(Context& context, const std::filesystem::path& path) {
+    CarSet set;
+    std::vector<Message> notices;
+    Status loaded = loadCarSet(set, path, fileOptions(context), &notices);
+    for (const Message& m : notices) context.err << messageText(m) << "\n";
+    if (!loaded) {
+        failed(context, loaded.error());
+        return std::nullopt;
+    }
+    return set;
+}
+
 }  // namespace tarvel::cli

@@ -2,10 +2,12 @@
 // tarvel-cli: batch commands over the core library. Each subsystem adds its
 // commands through one function returning its table.
 
+#include "carset/CarSetFile.h"
 #include "common/Config.h"
 #include "common/Messages.h"
 
 #include <filesystem>
+#include <optional>
 #include <iosfwd>
 #include <string>
 #include <string_view>
@@ -46,5 +48,27 @@ int run(const std::vector<std::string>& argv, std::istream& in, std::ostream& ou
 // on standard error, exit status 1).
 int usageError(Context& context, std::string_view commandAndUsage);
 int failed(Context& context, const Message& message);
+
+// A command's arguments: positional ones and the values of the options it takes.
+struct Arguments {
+    std::vector<std::string> positional;
+    std::optional<std::string> output;   // -o / --output
+    std::optional<std::string> game;     // --game
+    std::optional<std::string> items;    // --items
+};
+enum ArgumentOption : unsigned {
+    kOptionOutput = 1,           // -o may be given
+    kOptionOutputRequired = 2,   // -o must be given
+    kOptionGame = 4,             // --game must be given
+    kOptionItems = 8,            // --items may be given
+};
+// nullopt on an option the command does not take, a repeated or valueless
+// option, a missing required one, or a wrong number of positional arguments.
+std::optional<Arguments> parseArguments(const std::vector<std::string>& args, std::size_t positionalCount,
+                                        unsigned options = 0);
+
+CarSetFileOptions fileOptions(const Context& context);
+// Loads a set, printing any notice the load leaves and the failure message.
+std::optional<CarSet> loadSet(Context& context, const std::filesystem::path& path);
 
 }  // namespace tarvel::cli

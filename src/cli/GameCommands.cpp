@@ -20,32 +20,6 @@ constexpr std::string_view kStateUsage = "game statefile DIR";
 constexpr std::string_view kImportUsage = "game import DIR SET.GP2 -o OUT.GP2 [--items LIST]";
 constexpr std::string_view kExportUsage = "game export DIR SET.GP2 [--items LIST]";
 
-struct GameArguments {
-    std::vector<std::string> positional;
-    std::optional<std::string> output;
-    std::optional<std::string> items;
-};
-
-std::optional<GameArguments> parseGameArguments(const std::vector<std::string>& args, std::size_t positionalCount) {
-    GameArguments parsed;
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        const std::string& a = args[i];
-        if (a == "-o" || a == "--output") {
-            if (parsed.output || ++i >= args.size()) return std::nullopt;
-            parsed.output = args[i];
-        } else if (a == "--items") {
-            if (parsed.items || ++i >= args.size()) return std::nullopt;
-            parsed.items = args[i];
-        } else if (a.size() > 1 && a[0] == '-') {
-            return std::nullopt;
-        } else {
-            parsed.positional.push_back(a);
-        }
-    }
-    if (parsed.positional.size() != positionalCount) return std::nullopt;
-    return parsed;
-}
-
 // The transfer's categories and files, one line each, when standard error is a terminal.
 class TerminalProgress : public Progress {
 public:
@@ -85,15 +59,9 @@ private:
     std::filesystem::path path_;
 };
 
-CarSetFileOptions fileOptions(const Context& context) {
-    CarSetFileOptions options;
-    options.verifyChecksum = context.config.checkSum;
-    return options;
-}
-
 int runDetect(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseGameArguments(args, 1);
-    if (!parsed || parsed->output || parsed->items) return usageError(context, kDetectUsage);
+    auto parsed = parseArguments(args, 1);
+    if (!parsed) return usageError(context, kDetectUsage);
     int version = DetectGameVersion(parsed->positional[0]);
     if (version < 0) return failed(context, Message{MessageId::UnsupportedVersion, {}});
     context.out << version << " " << kGameReleases[std::size_t(version)].tag << "\n";
@@ -101,8 +69,8 @@ int runDetect(Context& context, const std::vector<std::string>& args) {
 }
 
 int runStateFile(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseGameArguments(args, 1);
-    if (!parsed || parsed->output || parsed->items) return usageError(context, kStateUsage);
+    auto parsed = parseArguments(args, 1);
+    if (!parsed) return usageError(context, kStateUsage);
     switch (stateFileState(parsed->positional[0])) {
     case StateFileState::Valid: context.out << "valid\n"; break;
     case StateFileState::Absent: context.out << "absent\n"; break;
@@ -112,7 +80,7 @@ int runStateFile(Context& context, const std::vector<std::string>& args) {
 }
 
 // Loads the set and prepares the context; returns an exit code when it cannot.
-std::optional<int> prepare(Context& context, const GameArguments& parsed, CarSet& set, GameContext& game) {
+std::optional<int> prepare(Context& context, const Arguments& parsed, CarSet& set, GameContext& game) {
     game.gameFolder = parsed.positional[0];
     game.options = context.config;
     game.version = DetectGameVersion(game.gameFolder);
@@ -132,8 +100,8 @@ std::optional<int> prepare(Context& context, const GameArguments& parsed, CarSet
 }
 
 int runImport(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseGameArguments(args, 2);
-    if (!parsed || !parsed->output) return usageError(context, kImportUsage);
+    auto parsed = parseArguments(args, 2, kOptionOutputRequired | kOptionItems);
+    if (!parsed) return usageError(context, kImportUsage);
     CarSet set;
     GameContext game;
     if (auto code = prepare(context, *parsed, set, game)) return *code;
@@ -148,8 +116,8 @@ int runImport(Context& context, const std::vector<std::string>& args) {
 }
 
 int runExport(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseGameArguments(args, 2);
-    if (!parsed || parsed->output) return usageError(context, kExportUsage);
+    auto parsed = parseArguments(args, 2, kOptionItems);
+    if (!parsed) return usageError(context, kExportUsage);
     CarSet set;
     GameContext game;
     if (auto code = prepare(context, *parsed, set, game)) return *code;

@@ -20,35 +20,6 @@
 namespace tarvel::cli {
 namespace {
 
-struct Arguments {
-    std::vector<std::string> positional;
-    std::optional<std::string> output;   // -o
-    std::optional<std::string> game;     // --game
-};
-
-std::optional<Arguments> parseArguments(const std::vector<std::string>& args, std::size_t positionalCount,
-                                        bool wantsOutput, bool wantsGame) {
-    Arguments parsed;
-    for (std::size_t i = 0; i < args.size(); ++i) {
-        const std::string& a = args[i];
-        if (a == "-o" || a == "--output") {
-            if (!wantsOutput || parsed.output || ++i >= args.size()) return std::nullopt;
-            parsed.output = args[i];
-        } else if (a == "--game") {
-            if (!wantsGame || parsed.game || ++i >= args.size()) return std::nullopt;
-            parsed.game = args[i];
-        } else if (a.size() > 1 && a[0] == '-') {
-            return std::nullopt;
-        } else {
-            parsed.positional.push_back(a);
-        }
-    }
-    if (parsed.positional.size() != positionalCount) return std::nullopt;
-    if (wantsOutput && !parsed.output) return std::nullopt;
-    if (wantsGame && !parsed.game) return std::nullopt;
-    return parsed;
-}
-
 std::optional<int> parseNumber(const std::string& text, int low, int high) {
     int value = 0;
     auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -99,24 +70,6 @@ struct ProgressChoice {
     std::optional<TerminalProgress> terminal;
 };
 
-CarSetFileOptions fileOptions(const Context& context) {
-    CarSetFileOptions options;
-    options.verifyChecksum = context.config.checkSum;
-    return options;
-}
-
-std::optional<CarSet> loadSet(Context& context, const std::string& path) {
-    CarSet set;
-    std::vector<Message> notices;
-    Status loaded = loadCarSet(set, path, fileOptions(context), &notices);
-    for (const Message& m : notices) context.err << messageText(m) << "\n";
-    if (!loaded) {
-        failed(context, loaded.error());
-        return std::nullopt;
-    }
-    return set;
-}
-
 int finish(Context& context, const Status& status) { return status ? kExitOk : failed(context, status.error()); }
 
 constexpr std::string_view kLiveryExportUsage = "livery export SET TEAM OUT.BMP";
@@ -131,7 +84,7 @@ constexpr std::string_view kMenuDecodeUsage = "menuhelmet decode --game DIR SLOT
 constexpr std::string_view kMenuPatchUsage = "menuhelmet patch --game DIR SLOT IN.BMP";
 
 int runLiveryExport(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseArguments(args, 3, false, false);
+    auto parsed = parseArguments(args, 3);
     if (!parsed) return usageError(context, kLiveryExportUsage);
     auto team = parseNumber(parsed->positional[1], 0, kRacingTeams - 1);
     if (!team) return usageError(context, kLiveryExportUsage);
@@ -141,7 +94,7 @@ int runLiveryExport(Context& context, const std::vector<std::string>& args) {
 }
 
 int runLiveryImport(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseArguments(args, 3, true, false);
+    auto parsed = parseArguments(args, 3, kOptionOutputRequired);
     if (!parsed) return usageError(context, kLiveryImportUsage);
     auto team = parseNumber(parsed->positional[1], 0, kRacingTeams - 1);
     if (!team) return usageError(context, kLiveryImportUsage);
@@ -153,7 +106,7 @@ int runLiveryImport(Context& context, const std::vector<std::string>& args) {
 }
 
 int runHelmetsExport(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseArguments(args, 2, false, false);
+    auto parsed = parseArguments(args, 2);
     if (!parsed) return usageError(context, kHelmetsExportUsage);
     auto set = loadSet(context, parsed->positional[0]);
     if (!set) return kExitFailed;
@@ -161,7 +114,7 @@ int runHelmetsExport(Context& context, const std::vector<std::string>& args) {
 }
 
 int runHelmetsImport(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseArguments(args, 2, true, false);
+    auto parsed = parseArguments(args, 2, kOptionOutputRequired);
     if (!parsed) return usageError(context, kHelmetsImportUsage);
     auto set = loadSet(context, parsed->positional[0]);
     if (!set) return kExitFailed;
@@ -171,7 +124,7 @@ int runHelmetsImport(Context& context, const std::vector<std::string>& args) {
 }
 
 int runJamInfo(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseArguments(args, 1, false, false);
+    auto parsed = parseArguments(args, 1);
     if (!parsed) return usageError(context, kJamInfoUsage);
     auto number = parseNumber(parsed->positional[0], 0, kJamCatalogueSize - 1);
     if (!number) return usageError(context, kJamInfoUsage);
@@ -182,7 +135,7 @@ int runJamInfo(Context& context, const std::vector<std::string>& args) {
 }
 
 int runJamScramble(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseArguments(args, 2, false, false);
+    auto parsed = parseArguments(args, 2);
     if (!parsed) return usageError(context, kJamScrambleUsage);
     auto bytes = readWholeFile(parsed->positional[0]);
     if (!bytes) return failed(context, Message{MessageId::FileNotFound, parsed->positional[0]});
@@ -193,7 +146,7 @@ int runJamScramble(Context& context, const std::vector<std::string>& args) {
 }
 
 int runJamDecode(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseArguments(args, 2, false, true);
+    auto parsed = parseArguments(args, 2, kOptionGame);
     if (!parsed) return usageError(context, kJamDecodeUsage);
     auto number = parseNumber(parsed->positional[0], 0, kJamCatalogueSize - 1);
     if (!number) return usageError(context, kJamDecodeUsage);
@@ -203,7 +156,7 @@ int runJamDecode(Context& context, const std::vector<std::string>& args) {
 }
 
 int runJamPatch(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseArguments(args, 2, false, true);
+    auto parsed = parseArguments(args, 2, kOptionGame);
     if (!parsed) return usageError(context, kJamPatchUsage);
     auto number = parseNumber(parsed->positional[0], 0, kJamCatalogueSize - 1);
     if (!number) return usageError(context, kJamPatchUsage);
@@ -214,7 +167,7 @@ int runJamPatch(Context& context, const std::vector<std::string>& args) {
 }
 
 int runMenuDecode(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseArguments(args, 2, false, true);
+    auto parsed = parseArguments(args, 2, kOptionGame);
     if (!parsed) return usageError(context, kMenuDecodeUsage);
     auto slot = parseNumber(parsed->positional[0], 0, kMenuHelmetCount - 1);
     if (!slot) return usageError(context, kMenuDecodeUsage);
@@ -223,7 +176,7 @@ int runMenuDecode(Context& context, const std::vector<std::string>& args) {
 }
 
 int runMenuPatch(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseArguments(args, 2, false, true);
+    auto parsed = parseArguments(args, 2, kOptionGame);
     if (!parsed) return usageError(context, kMenuPatchUsage);
     auto slot = parseNumber(parsed->positional[0], 0, kMenuHelmetCount - 1);
     if (!slot) return usageError(context, kMenuPatchUsage);
