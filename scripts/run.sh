@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs Tarvel on the default car set.
+# Installs what is missing, builds, and starts the Tarvel editor on the default
+# car set (any arguments are passed on, e.g. a car set file to open).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 scripts/build.sh
-out=${TMPDIR:-/tmp}/tarvel-default.GP2
-build/src/cli/tarvel-cli new "$out"
-build/src/cli/tarvel-cli dump "$out"
+if [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; then
+  exec build/src/app/tarvel "$@"
+fi
+echo "No display: starting the editor on a virtual X display (xvfb-run)." >&2
+exec xvfb-run -a -s "-screen 0 1024x768x24" build/src/app/tarvel "$@"
