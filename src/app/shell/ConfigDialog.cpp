@@ -91,7 +91,7 @@ ConfigDialog::ConfigDialog(Session& session, Asker& asker, QWidget* parent)
     layout->addLayout(mosaicRow);
 
     auto* launchRow = new QHBoxLayout;
-    launchRow->addWidget(new QLabel("LaunchCommand", this));
+    launchRow->addWidget(new QLabel("Launch Command (%s = GP2.EXE):", this));
     launch_ = new QLineEdit(QString::fromStdString(config.launchCommand), this);
     launch_->setPlaceholderText("dosbox \"%s\"");
     launchRow->addWidget(launch_);
