@@ -161,12 +161,12 @@ TEST_F(AppTest, HelpEntryIsRemovedWithoutHelpFileAndEveryUnbuiltCommandIsDisable
     session.helpExists = false;
     MainWindow& w = window();
     EXPECT_EQ(w.action(command::Help), nullptr);
-    for (const CommandSpec& spec : commandTable()) {
-        if (spec.id == 0 || spec.built) continue;
-        QAction* act = w.action(spec.id);
-        ASSERT_NE(act, nullptr) << spec.id;
-        EXPECT_FALSE(act->isEnabled()) << spec.id;
-        w.runCommand(spec.id);   // an unbuilt command does nothing, even when dispatched
+    for (const CommandSpec& entry : commandTable()) {
+        if (entry.id == 0 || entry.built) continue;
+        QAction* act = w.action(entry.id);
+        ASSERT_NE(act, nullptr) << entry.id;
+        EXPECT_FALSE(act->isEnabled()) << entry.id;
+        w.runCommand(entry.id);   // an unbuilt command does nothing, even when dispatched
     }
     EXPECT_FALSE(w.carSet().document.dirty);
 }

@@ -30,11 +30,11 @@ CarBitmapPopup::CarBitmapPopup(const std::function<bool(int)>& enabled, QWidget*
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(1, 1, 1, 1);
     layout->setSpacing(0);
-    for (const PopupButton& spec : kButtons) {
-        auto* button = new QPushButton(spec.text, this);
+    for (const PopupButton& entry : kButtons) {
+        auto* button = new QPushButton(entry.text, this);
         button->setFixedSize(100, 21);
-        button->setEnabled(spec.id == 0 || enabled(spec.id));
-        const int id = spec.id;
+        button->setEnabled(entry.id == 0 || enabled(entry.id));
+        const int id = entry.id;
         connect(button, &QPushButton::clicked, this, [this, id] {
             chosen_ = id;
             accept();

@@ -83,8 +83,8 @@ constexpr std::array kCommands{
 std::span<const CommandSpec> commandTable() { return kCommands; }
 
 const CommandSpec* findCommand(int id) {
-    for (const CommandSpec& spec : kCommands)
-        if (spec.id == id) return &spec;
+    for (const CommandSpec& entry : kCommands)
+        if (entry.id == id) return &entry;
     return nullptr;
 }
 

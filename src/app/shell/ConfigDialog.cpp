@@ -61,9 +61,9 @@ ConfigDialog::ConfigDialog(Session& session, Asker& asker, QWidget* parent)
 
     auto* options = new QGroupBox("Options", this);
     auto* optionRows = new QVBoxLayout(options);
-    for (const BoxSpec& spec : kBoxes) {
-        auto* check = new QCheckBox(spec.caption, options);
-        check->setChecked(config.*spec.field != spec.inverted);
+    for (const BoxSpec& entry : kBoxes) {
+        auto* check = new QCheckBox(entry.caption, options);
+        check->setChecked(config.*entry.field != entry.inverted);
         optionRows->addWidget(check);
         boxes_.push_back(check);
     }

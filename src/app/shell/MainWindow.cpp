@@ -258,17 +258,17 @@ void MainWindow::buildMenus() {
     toolbar->setGeometry(0, 0, kCanvasWidth, 28);
     toolbar->setMovable(false);
     toolbar->setIconSize(QSize(16, 16));
-    for (const CommandSpec& spec : commandTable()) {
-        QMenu* menu = menuFor(spec.menu);
-        if (spec.id == 0) {
+    for (const CommandSpec& entry : commandTable()) {
+        QMenu* menu = menuFor(entry.menu);
+        if (entry.id == 0) {
             menu->addSeparator();
             continue;
         }
-        QAction* act = menu->addAction(QString::fromUtf8(spec.text.data(), qsizetype(spec.text.size())));
-        const int id = spec.id;
+        QAction* act = menu->addAction(QString::fromUtf8(entry.text.data(), qsizetype(entry.text.size())));
+        const int id = entry.id;
         connect(act, &QAction::triggered, this, [this, id] { runCommand(id); });
         actions_[id] = act;
-        if (spec.toolbar) {
+        if (entry.toolbar) {
             act->setIcon(toolbarIcon(style(), id));
             toolbar->addAction(act);
         }
@@ -294,11 +294,11 @@ QAction* MainWindow::action(int id) const {
 }
 
 void MainWindow::updateCommandStates() {
-    for (const CommandSpec& spec : commandTable()) {
-        QAction* act = action(spec.id);
+    for (const CommandSpec& entry : commandTable()) {
+        QAction* act = action(entry.id);
         if (!act) continue;
-        bool enabled = spec.built;
-        switch (spec.group) {
+        bool enabled = entry.built;
+        switch (entry.group) {
             case CommandGroup::Always: break;
             case CommandGroup::NeedsFile: enabled = enabled && set_->document.hasFile; break;
             case CommandGroup::NeedsGame: enabled = enabled && session_.gameKnown(); break;
@@ -699,8 +699,8 @@ bool MainWindow::openDropped(const QList<QUrl>& urls) {
 // ---------------------------------------------------------------- commands
 
 void MainWindow::runCommand(int id) {
-    const CommandSpec* spec = findCommand(id);
-    if (spec && !spec->built) return;
+    const CommandSpec* entry = findCommand(id);
+    if (entry && !entry->built) return;
     switch (id) {
         case command::NewCarSet: newCarSet(); break;
         case command::NewEditorWindow: newEditorWindow(); break;
