@@ -32,6 +32,14 @@ void reportFile(Progress* progress, const fs::path& path, int slot) {
     progress->setFile(text + number);
 }
 
+// A picture can be replaced in place only when its data lies after the index
+// and ends before the next picture's data, which lies inside the file; any
+// other index is damaged and moving the tail would overwrite other pictures
+// or the index itself.
+bool replaceableInPlace(std::uint64_t offset, std::uint64_t length, std::uint64_t nextOffset, std::uint64_t fileSize) {
+    return offset >= entryOffset(kMenuIndexEntries) && offset + length <= nextOffset && nextOffset <= fileSize;
+}
+
 bool isMenuHelmetPicture(const BitmapBuffer& picture) {
     return picture.valid() && picture.width == kMenuHelmetSide && picture.height == kMenuHelmetSide;
 }
@@ -122,7 +130,9 @@ Status replaceMenuPicture(Bytes& file, int slot, std::span<const std::uint8_t> c
     if (!isMenuHelmetSlot(slot) || coded.empty()) return fail(MessageId::FailedToExportMenuHelmet);
     auto entry = readMenuIndexEntry(file, slot);
     auto next = readMenuIndexEntry(file, slot + 1);
-    if (!entry || !next || file.size() < entryOffset(kMenuIndexEntries)) return fail(MessageId::FailedToExportMenuHelmet);
+    if (!entry || !next || file.size() < entryOffset(kMenuIndexEntries) ||
+        !replaceableInPlace(entry->offset, entry->length, next->offset, file.size()))
+        return fail(MessageId::FailedToExportMenuHelmet);
     const std::size_t oldSize = file.size();
     const std::int64_t d = std::int64_t(coded.size()) - std::int64_t(entry->length);
     if (d != 0) {
@@ -174,10 +184,12 @@ Status ImportMenuHelmet(const fs::path& gameFolder, int slot, const BitmapBuffer
     const std::uint32_t oldLength = loadU32(entry + kEntryLengthField);
     const std::int64_t d = std::int64_t(coded.size()) - std::int64_t(oldLength);
     const std::uint64_t oldSize = file.size();
+    std::uint8_t field[4];
+    if (!file.read(entryOffset(slot + 1), field, sizeof field)) return failed();
+    const std::uint32_t nextOffset = loadU32(field);
+    if (!replaceableInPlace(offset, oldLength, nextOffset, oldSize)) return failed();
     if (d != 0) {
-        std::uint8_t field[4];
-        if (!file.read(entryOffset(slot + 1), field, sizeof field)) return failed();
-        if (!moveFileTail(file, loadU32(field), d)) return failed();
+        if (!moveFileTail(file, nextOffset, d)) return failed();
         for (int i = slot + 1; i < kMenuIndexEntries; ++i) {
             if (!file.read(entryOffset(i), field, sizeof field)) return failed();
             storeU32(field, std::uint32_t(std::int64_t(loadU32(field)) + d));

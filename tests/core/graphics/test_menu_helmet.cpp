@@ -160,6 +160,42 @@ TEST(MenuPicture, ReplacementRefusesBadSlotsAndEmptyData) {
     EXPECT_EQ(file, before);
 }
 
+TEST(MenuPicture, DamagedIndexIsRefusedBeforeAnythingMoves) {
+    const Bytes good = makeMenuFile(6);
+    const Bytes coded = codeMenuHelmet(BitmapBuffer(104, 104));   // shorter than slot 5's data
+    auto damaged = [&](int entry, int field, std::uint32_t value) {
+        Bytes file = good;
+        storeU32(&file[4576 + 14 * std::size_t(entry) + std::size_t(field)], value);
+        return file;
+    };
+    const std::uint32_t offset5 = indexField(good, 5, 0);
+    const std::uint32_t offset6 = indexField(good, 6, 0);
+    const std::vector<Bytes> files = {
+        damaged(5, 4, offset6 - offset5 + 1),             // runs into picture 6
+        damaged(5, 0, 4576 + 14 * 3),                     // points into the index
+        damaged(6, 0, std::uint32_t(good.size()) + 10),   // next picture past the end
+        damaged(6, 0, offset5),                           // next picture before this one ends
+    };
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        SCOPED_TRACE(i);
+        Bytes file = files[i];
+        EXPECT_FALSE(replaceMenuPicture(file, 5, coded));
+        EXPECT_EQ(file, files[i]);
+
+        ScratchFolder game;
+        auto path = writeMenuFile(game.path(), 6);
+        {
+            std::ofstream out(path, std::ios::binary | std::ios::trunc);
+            out.write(reinterpret_cast<const char*>(files[i].data()), std::streamsize(files[i].size()));
+        }
+        EXPECT_FALSE(ImportMenuHelmet(game.path(), 5, BitmapBuffer(104, 104)));
+        EXPECT_EQ(*readWholeFile(path), files[i]);
+    }
+    // The undamaged file is accepted.
+    Bytes file = good;
+    EXPECT_TRUE(replaceMenuPicture(file, 5, coded));
+}
+
 // ---- the game's file -----------------------------------------------------------------
 
 TEST(MenuHelmetFile, ImportInPlaceMatchesTheInMemoryReplacement) {
