@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string_view>
+#include <utility>
+
 namespace tarvel {
 namespace {
 
@@ -171,6 +174,26 @@ TEST(AsciiFold, AccentedLettersBecomePlain) {
     EXPECT_EQ(t[255], 'y');
     // Not in the table: kept.
     for (int c : {128, 132, 139, 160, 163, 171, 180, 182, 191, 247}) EXPECT_EQ(t[c], c) << c;
+}
+
+TEST(AsciiFold, EveryByteOfTheUpperHalf) {
+    // Bytes 128-191 that change; every other one of them stays.
+    const std::pair<int, char> changed[] = {{131, 'f'}, {138, 'S'}, {140, 'O'}, {154, 's'}, {156, 'o'}, {159, 'Y'},
+                                            {162, 'c'}, {165, 'Y'}, {169, 'c'}, {170, 'a'}, {174, 'R'}, {181, 'u'}};
+    // Bytes 192-255 in order; '=' keeps the byte (only 247, the division sign).
+    const std::string_view upper = "AAAAAAACEEEEIIIIDNOOOOOxOUUUUYPBaaaaaaaceeeeiiiionooooo=ouuuuypy";
+    ASSERT_EQ(upper.size(), 64u);
+    const auto& t = asciiFoldTable();
+    for (int c = 128; c < 192; ++c) {
+        int expected = c;
+        for (auto [from, to] : changed)
+            if (from == c) expected = static_cast<unsigned char>(to);
+        EXPECT_EQ(t[std::size_t(c)], expected) << c;
+    }
+    for (int c = 192; c < 256; ++c) {
+        char to = upper[std::size_t(c - 192)];
+        EXPECT_EQ(t[std::size_t(c)], to == '=' ? c : static_cast<unsigned char>(to)) << c;
+    }
 }
 
 TEST(AsciiFold, NameFieldIsFoldedUpToItsTerminator) {
