@@ -211,8 +211,9 @@ RunOutcome runItems(Set& set, const GameContext& context, Progress& progress, bo
             break;
         }
     }
-    // An abort pressed during the last item still counts.
-    if (!outcome.error && !outcome.aborted && progress.aborted()) outcome.aborted = true;
+    // An abort pressed during the last item, or during the item that failed,
+    // still counts: the abort is reported first and the failure after it.
+    if (!outcome.aborted && progress.aborted()) outcome.aborted = true;
     return outcome;
 }
 

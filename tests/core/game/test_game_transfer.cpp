@@ -163,6 +163,24 @@ TEST_F(GameTransfer, AbortDuringTheFirstItemStopsBeforeTheNext) {
     EXPECT_EQ(readFileBytes(exe())[at(fixture::kCockpit, 0) + 3], exeBefore[at(fixture::kCockpit, 0) + 3]);
 }
 
+TEST_F(GameTransfer, AbortDuringAFailingItemReportsTheAbortThenTheFailure) {
+    makeGame();
+    fs::resize_file(exe(), 1950000);   // the team data cannot be written
+    select({0, 44});
+    progress.abortAfter = "Team Data";
+    std::vector<Message> notices;
+    auto written = ExportToGame(set, context, progress, &notices);
+    ASSERT_FALSE(written);
+    EXPECT_EQ(written.error().id, MessageId::ExportAborted);
+    ASSERT_EQ(notices.size(), 1u);
+    EXPECT_EQ(messageText(notices.front()), "GP2.EXE was not Patched Correctly.");
+    EXPECT_EQ(progress.categories, std::vector<std::string>{"Team Data"});
+
+    RecordingProgress importProgress;
+    importProgress.abortAfter = "Team Data";
+    EXPECT_EQ(ImportFromGame(set, context, importProgress).error().id, MessageId::ImportAborted);
+}
+
 TEST_F(GameTransfer, MissingGameFileIsRefusedBeforeAnythingIsWritten) {
     makeGame();
     fs::remove(exe());
