@@ -100,6 +100,18 @@ TEST_F(GameCommandsTest, ExportAbortedFromTheProgressWindow) {
     EXPECT_EQ(asker.ids.front(), MessageId::ExportAborted);
 }
 
+TEST_F(GameCommandsTest, ImportRefusedForAMissingGameFileLeavesTheSetUnchanged) {
+    CarSet& set = window().carSet();
+    const std::string nameBefore = fieldText(set.teams[0].name);
+    ASSERT_FALSE(set.document.dirty);
+    std::filesystem::remove(gameFileOfItem(0));
+    window().runCommand(command::ImportFromGame);
+    ASSERT_FALSE(asker.texts.empty());
+    EXPECT_EQ(asker.lastText(), "File Not Found - GP2.EXE.");
+    EXPECT_FALSE(set.document.dirty);
+    EXPECT_EQ(fieldText(set.teams[0].name), nameBefore);
+}
+
 TEST_F(GameCommandsTest, GameCommandsAreOffWhileTheReleaseIsUnknown) {
     session.gameVersion = -1;
     window().updateCommandStates();

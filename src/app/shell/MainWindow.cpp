@@ -955,7 +955,8 @@ void MainWindow::importFromGame() {
         progress.show();
         status = ImportFromGame(*set_, context, progress);
     }
-    set_->markDirty();
+    // The import marks the set dirty once it has read something; a refused
+    // import (a missing game file) leaves it as it was.
     set_->recountAssets();
     set_->document.currentTeam = std::min(set_->document.currentTeam, kRacingTeams - 1);
     refreshTeamList();
