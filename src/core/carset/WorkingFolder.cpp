@@ -1,7 +1,8 @@
 #include "carset/WorkingFolder.h"
 
 #include <cstdio>
-#include <regex>
+#include <cctype>
+#include <string_view>
 #include <system_error>
 
 namespace tarvel {
@@ -30,12 +31,39 @@ std::filesystem::path menuHelmetFile(const std::filesystem::path& f, int slot) {
 std::filesystem::path helmetFile(const std::filesystem::path& f, int n) { return numbered(f, "THEL%.2d.BMP", n); }
 std::filesystem::path temporaryCarSetFile(const std::filesystem::path& f) { return f / "TARVEL.TMP"; }
 
+namespace {
+
+// True for the names of the temporary asset files: a prefix, a fixed number of
+// digits and an extension (TEAM00.BMP, JAM123.BMP, WAV07.WAV, MENU12.BMP,
+// THEL03.BMP), or TARVEL.TMP.
+bool isTemporaryAssetName(std::string_view name) {
+    if (name == "TARVEL.TMP") return true;
+    struct Pattern {
+        std::string_view prefix;
+        std::size_t digits;
+        std::string_view extension;
+    };
+    static constexpr Pattern kPatterns[] = {
+        {"TEAM", 2, ".BMP"}, {"JAM", 3, ".BMP"}, {"WAV", 2, ".WAV"}, {"MENU", 2, ".BMP"}, {"THEL", 2, ".BMP"},
+    };
+    for (const Pattern& p : kPatterns) {
+        if (name.size() != p.prefix.size() + p.digits + p.extension.size()) continue;
+        if (!name.starts_with(p.prefix) || !name.ends_with(p.extension)) continue;
+        std::string_view digits = name.substr(p.prefix.size(), p.digits);
+        bool allDigits = true;
+        for (char c : digits) allDigits = allDigits && std::isdigit(static_cast<unsigned char>(c));
+        if (allDigits) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
 void deleteTemporaryAssetFiles(const std::filesystem::path& folder) {
-    static const std::regex pattern(R"((TEAM\d\d\.BMP|JAM\d\d\d\.BMP|WAV\d\d\.WAV|MENU\d\d\.BMP|THEL\d\d\.BMP|TARVEL\.TMP))");
     std::error_code ec;
     for (auto it = std::filesystem::directory_iterator(folder, ec); !ec && it != std::filesystem::directory_iterator();
          it.increment(ec)) {
-        if (std::regex_match(it->path().filename().string(), pattern)) {
+        if (isTemporaryAssetName(it->path().filename().string())) {
             std::error_code removeError;
             std::filesystem::remove(it->path(), removeError);
         }
