@@ -7,7 +7,7 @@ packages=(
   qt6-base-dev qt6-multimedia-dev libgl-dev
   libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev
   clang libclang-rt-14-dev
-  xvfb xauth imagemagick python3 python3-pil sox
+  xvfb xauth imagemagick python3 python3-pil sox fonts-dejavu-core
 )
 
 missing=()
