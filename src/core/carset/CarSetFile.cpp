@@ -752,6 +752,11 @@ Result<Bytes> buildCarSetFile(const CarSet& set, const CarSetFileOptions& option
     FileBuilder b;
     b.compress = options.compress;
     ByteWriter& w = b.w;
+    // Room for the pictures held in memory and for what the open file stores,
+    // so that the growing file is not copied again and again.
+    std::size_t estimate = std::size_t(kLiveryPixels) * kRacingTeams + kHelmetSheetPixels + 65536;
+    if (set.document.openFile) estimate += std::size_t(std::min<std::uint64_t>(set.document.openFile->size(), 1u << 30));
+    w.data().reserve(estimate);
     w.bytes(kMagic, kMagicSize);
     w.u16(kCurrentVersion);
     w.u8(kCurrentSubVersion);

@@ -1,5 +1,6 @@
 #include "common/RunLength.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace tarvel {
@@ -79,23 +80,42 @@ void runLengthEncode(std::span<const std::uint8_t> raw, Bytes& out) {
 }
 
 bool runLengthDecode(std::span<const std::uint8_t> coded, Bytes& out, std::size_t maxOutput) {
+    // The output never passes maxOutput, nor what the input can describe (a
+    // pair gives at most 63 bytes); room grows by doubling within that bound.
+    const std::size_t base = out.size();
     const std::size_t n = coded.size();
+    const std::size_t bound = std::min(maxOutput, n * (255 - kRunLengthBase) / 2 + n);
+    std::size_t room = std::min(bound, std::max<std::size_t>(2 * n, 4096));
+    out.resize(base + room);
     std::size_t produced = 0;
+    auto makeRoom = [&](std::size_t need) {
+        if (produced + need <= room) return;
+        room = std::min(bound, std::max(2 * room, produced + need));
+        out.resize(base + room);
+    };
+    bool ok = true;
     for (std::size_t i = 0; i < n;) {
         std::uint8_t c = coded[i++];
         if (c <= kRunLengthBase) {
-            if (produced + 1 > maxOutput) return false;
-            out.push_back(c);
-            ++produced;
+            if (produced + 1 > maxOutput) {
+                ok = false;
+                break;
+            }
+            makeRoom(1);
+            out[base + produced++] = c;
             continue;
         }
-        if (i >= n) return false;
         std::size_t run = std::size_t(c) - kRunLengthBase;
-        if (run > maxOutput - produced) return false;
-        out.insert(out.end(), run, coded[i++]);
+        if (i >= n || run > maxOutput - produced) {
+            ok = false;
+            break;
+        }
+        makeRoom(run);
+        std::memset(out.data() + base + produced, coded[i++], run);
         produced += run;
     }
-    return true;
+    out.resize(base + produced);
+    return ok;
 }
 
 bool runLengthPays(std::size_t rawLength, std::size_t codedLength) {
