@@ -1,6 +1,6 @@
 #include "CarSetJson.h"
 
-#include "CarSetSamples.h"
+#include "fixtures/CarSetSamples.h"
 
 #include "carset/CarSet.h"
 
@@ -69,7 +69,7 @@ TEST(CarSetJson, TextIsUtf8AndSignedWordsAreSigned) {
 
 TEST(CarSetJson, ApplyingADumpToADefaultSetReproducesIt) {
     CarSet original;
-    scramble(original, 7);
+    test::scramble(original, 7);
     original.jams[30].status = kAssetExternal;
     setFieldText(original.jams[30].path, "/pics/\xE9t\xE9.bmp");
     original.recountAssets();
@@ -77,7 +77,7 @@ TEST(CarSetJson, ApplyingADumpToADefaultSetReproducesIt) {
 
     CarSet target;
     ASSERT_TRUE(applyCarSetJson(target, dump));
-    expectSameTables(original, target);
+    test::expectSameStoredData(original, target);
     EXPECT_EQ(target.jams[30].status, kAssetExternal);
     EXPECT_EQ(target.jams[30].path, original.jams[30].path);
     EXPECT_EQ(target.jamCount, 1);
@@ -91,7 +91,7 @@ TEST(CarSetJson, ApplyingADumpToADefaultSetReproducesIt) {
 
 TEST(CarSetJson, OnlyNamedFieldsChange) {
     CarSet set;
-    scramble(set, 3);
+    test::scramble(set, 3);
     CarSet expected = set;
     Json patch = Json::parse(R"({"teams": [{}, {"powerRace": 900, "teamBytesB": [1, 2]}],
                                  "drivers": [{"number": 1, "name": "Jos\u00e9"}], "cameras": [-1],
@@ -103,7 +103,7 @@ TEST(CarSetJson, OnlyNamedFieldsChange) {
     setFieldText(expected.drivers[1].name, "Jos\xE9");
     expected.settings.words[44] = 0xFFFF;
     expected.carNumbers.partA[0] = 9;
-    expectSameTables(expected, set);
+    test::expectSameStoredData(expected, set);
 }
 
 TEST(CarSetJson, TextEqualToTheFieldKeepsBytesBehindItsTerminator) {
@@ -154,7 +154,7 @@ TEST(CarSetJson, ValuesThatDoNotFitAreRefusedByName) {
         {R"({"colour": 1})", "colour"},
     };
     CarSet set;
-    scramble(set, 11);
+    test::scramble(set, 11);
     const Json before = carSetToJson(set);
     for (auto [patch, field] : cases) {
         // A good change ahead of the bad one must not be kept either.

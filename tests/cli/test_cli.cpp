@@ -1,5 +1,6 @@
 #include "CarSetJson.h"
-#include "CarSetSamples.h"
+#include "fixtures/CarSetSamples.h"
+#include "fixtures/GameFixture.h"
 #include "Cli.h"
 
 #include "carset/CarSetFile.h"
@@ -24,14 +25,6 @@ struct Outcome {
 
 class CliTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        dir_ = fs::temp_directory_path() /
-               ("tarvel-cli-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(dir_);
-        fs::create_directories(dir_);
-    }
-    void TearDown() override { fs::remove_all(dir_); }
-
     std::string at(const std::string& name) const { return (dir_ / name).string(); }
 
     // Runs the tool with a configuration file of this test's own.
@@ -52,7 +45,8 @@ protected:
         return set;
     }
 
-    fs::path dir_;
+    test::TempFolder temp_{"cli"};
+    const fs::path& dir_ = temp_.path();
 };
 
 TEST_F(CliTest, UsageErrorsExitWithTwo) {
@@ -95,7 +89,7 @@ TEST_F(CliTest, NewThenCheckPrintsTheVersion) {
     EXPECT_EQ(check.out, "180\n");
     EXPECT_EQ(check.err, "");
     CarSet fresh;
-    expectSameTables(fresh, loaded("a.GP2"));
+    test::expectSameStoredData(fresh, loaded("a.GP2"));
 }
 
 TEST_F(CliTest, CheckReportsUnreadableFiles) {
@@ -138,7 +132,7 @@ TEST_F(CliTest, NewerVersionIsNoticedThenRefused) {
 
 TEST_F(CliTest, DumpThenApplyGivesTheSameSet) {
     CarSet original;
-    scramble(original, 42);
+    test::scramble(original, 42);
     ASSERT_TRUE(saveCarSet(original, at("orig.GP2"), CarSetFileOptions{}));
     Outcome dump = cli({"dump", at("orig.GP2")});
     ASSERT_EQ(dump.status, kExitOk) << dump.err;
@@ -152,12 +146,12 @@ TEST_F(CliTest, DumpThenApplyGivesTheSameSet) {
     ASSERT_EQ(cli({"new", at("blank.GP2")}).status, kExitOk);
     Outcome apply = cli({"apply", at("blank.GP2"), at("orig.json"), "-o", at("copy.GP2")});
     ASSERT_EQ(apply.status, kExitOk) << apply.err;
-    expectSameTables(loaded("orig.GP2"), loaded("copy.GP2"));
+    test::expectSameStoredData(loaded("orig.GP2"), loaded("copy.GP2"));
 
     // The same patch from standard input.
     Outcome piped = cli({"apply", at("blank.GP2"), "-", "-o", at("piped.GP2")}, dump.out);
     ASSERT_EQ(piped.status, kExitOk) << piped.err;
-    expectSameTables(loaded("orig.GP2"), loaded("piped.GP2"));
+    test::expectSameStoredData(loaded("orig.GP2"), loaded("piped.GP2"));
 }
 
 TEST_F(CliTest, DumpSurvivesAFileNameThatIsNotUtf8) {
@@ -199,7 +193,7 @@ TEST_F(CliTest, ApplyRefusesBadValuesAndWritesNothing) {
 
 TEST_F(CliTest, ApplyChangesOnlyTheNamedFields) {
     CarSet original;
-    scramble(original, 5);
+    test::scramble(original, 5);
     ASSERT_TRUE(saveCarSet(original, at("a.GP2"), CarSetFileOptions{}));
     Outcome apply = cli({"apply", at("a.GP2"), "-", "-o", at("b.GP2")},
                         R"({"teams": [{}, {"engine": "V12 \u20ac", "driver": [7, 8]}], "laps": [60]})");
@@ -208,16 +202,16 @@ TEST_F(CliTest, ApplyChangesOnlyTheNamedFields) {
     setFieldText(expected.teams[1].engine, "V12 \x80");
     expected.teams[1].driver = {7, 8};
     expected.settings.words[settings::kLaps.first] = 60;
-    expectSameTables(expected, loaded("b.GP2"));
+    test::expectSameStoredData(expected, loaded("b.GP2"));
 }
 
 TEST_F(CliTest, ConvertSavesTheCurrentVersion) {
     CarSet original;
-    scramble(original, 9);
+    test::scramble(original, 9);
     ASSERT_TRUE(saveCarSet(original, at("a.GP2"), CarSetFileOptions{}));
     EXPECT_EQ(cli({"convert", at("a.GP2"), at("b.GP2")}).status, kExitOk);
     EXPECT_EQ(cli({"check", at("b.GP2")}).out, "180\n");
-    expectSameTables(loaded("a.GP2"), loaded("b.GP2"));
+    test::expectSameStoredData(loaded("a.GP2"), loaded("b.GP2"));
     Outcome missing = cli({"convert", at("none.GP2"), at("c.GP2")});
     EXPECT_EQ(missing.status, kExitFailed);
     EXPECT_FALSE(fs::exists(at("c.GP2")));

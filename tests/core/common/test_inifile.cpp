@@ -1,6 +1,7 @@
 #include "common/Config.h"
 #include "common/FileIO.h"
 #include "common/IniFile.h"
+#include "fixtures/GameFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -16,15 +17,6 @@ namespace fs = std::filesystem;
 
 class IniTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        dir_ = fs::temp_directory_path() /
-               ("tarvel-ini-" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(dir_);
-        fs::create_directories(dir_);
-        path_ = dir_ / "tarvel32.ini";
-    }
-    void TearDown() override { fs::remove_all(dir_); }
-
     void write(const std::string& text) {
         std::ofstream out(path_, std::ios::binary);
         out << text;
@@ -36,8 +28,8 @@ protected:
         return s.str();
     }
 
-    fs::path dir_;
-    fs::path path_;
+    test::TempFolder temp_{"ini"};
+    fs::path path_ = temp_.path() / "tarvel32.ini";
 };
 
 TEST_F(IniTest, SectionsAndKeysIgnoreCaseAndBlanks) {

@@ -10,15 +10,10 @@ namespace {
 namespace fs = std::filesystem;
 using test::TempFolder;
 
-void writeBytes(const fs::path& path, const Bytes& data) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(reinterpret_cast<const char*>(data.data()), std::streamsize(data.size()));
-}
-
 TEST(GameVersion, RecognisesEveryRelease) {
     TempFolder folder("version");
     for (int release = 0; release < kGameReleaseCount; ++release) {
-        writeBytes(folder.path() / "GP2.EXE", test::makeGameExecutable(release));
+        test::writeFileBytes(folder.path() / "GP2.EXE", test::makeGameExecutable(release));
         EXPECT_EQ(DetectGameVersion(folder.path()), release) << "release " << release;
     }
 }
@@ -30,12 +25,12 @@ TEST(GameVersion, OneByteNeighboursUkAndUs) {
     exe[5671741] = 'U';
     exe[5671742] = 'U';
     exe[5671743] = 'K';
-    writeBytes(folder.path() / "GP2.EXE", exe);
+    test::writeFileBytes(folder.path() / "GP2.EXE", exe);
     EXPECT_EQ(DetectGameVersion(folder.path()), 0);
     // "US" one byte earlier: release 0 sees "S" then 0 and does not match.
     exe[5671742] = 'S';
     exe[5671743] = 0;
-    writeBytes(folder.path() / "GP2.EXE", exe);
+    test::writeFileBytes(folder.path() / "GP2.EXE", exe);
     EXPECT_EQ(DetectGameVersion(folder.path()), 5);
 }
 
@@ -44,25 +39,25 @@ TEST(GameVersion, LengthLimitIsTheLargestTagOffset) {
     Bytes exe(5675467, 0);
     exe[5671742] = 'U';
     exe[5671743] = 'K';
-    writeBytes(folder.path() / "GP2.EXE", exe);
+    test::writeFileBytes(folder.path() / "GP2.EXE", exe);
     EXPECT_EQ(DetectGameVersion(folder.path()), -1) << "a file one byte short is refused despite its tag";
     exe.push_back(0);
-    writeBytes(folder.path() / "GP2.EXE", exe);
+    test::writeFileBytes(folder.path() / "GP2.EXE", exe);
     EXPECT_EQ(DetectGameVersion(folder.path()), 0);
 }
 
 TEST(GameVersion, UnrecognisedOrMissing) {
     TempFolder folder("version");
     EXPECT_EQ(DetectGameVersion(folder.path()), -1);
-    writeBytes(folder.path() / "GP2.EXE", Bytes(kGameExeSize, 'x'));
+    test::writeFileBytes(folder.path() / "GP2.EXE", Bytes(kGameExeSize, 'x'));
     EXPECT_EQ(DetectGameVersion(folder.path()), -1);
-    writeBytes(folder.path() / "GP2.EXE", Bytes(100, 0));
+    test::writeFileBytes(folder.path() / "GP2.EXE", Bytes(100, 0));
     EXPECT_EQ(DetectGameVersion(folder.path()), -1);
 }
 
 TEST(GameVersion, LowerCaseInstallation) {
     TempFolder folder("version");
-    writeBytes(folder.path() / "gp2.exe", test::makeGameExecutable(6));
+    test::writeFileBytes(folder.path() / "gp2.exe", test::makeGameExecutable(6));
     EXPECT_EQ(DetectGameVersion(folder.path()), 6);
 }
 

@@ -2,11 +2,10 @@
 // Helpers shared by the graphics tests.
 
 #include "common/Progress.h"
+#include "fixtures/GameFixture.h"
 #include "graphics/Bitmap.h"
 
-#include <cstdlib>
 #include <filesystem>
-#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,25 +22,8 @@ struct RecordingProgress : Progress {
     void beep() override { ++beeps; }
 };
 
-// A fresh empty folder below the system's temporary folder, removed on destruction.
-class ScratchFolder {
-public:
-    ScratchFolder() {
-        static int counter = 0;
-        path_ = std::filesystem::temp_directory_path() /
-                ("tarvel-gfx-test-" + std::to_string(std::random_device{}()) + "-" + std::to_string(++counter));
-        std::filesystem::remove_all(path_);
-        std::filesystem::create_directories(path_);
-    }
-    ~ScratchFolder() {
-        std::error_code ec;
-        std::filesystem::remove_all(path_, ec);
-    }
-    const std::filesystem::path& path() const { return path_; }
-    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
-
-private:
-    std::filesystem::path path_;
+struct ScratchFolder : TempFolder {
+    ScratchFolder() : TempFolder("gfx") {}
 };
 
 inline std::uint8_t& pixelAt(BitmapBuffer& b, int x, int topRow) { return b.topRow(topRow)[x]; }

@@ -18,11 +18,6 @@ BitmapBuffer patterned(int width, int height) {
     return b;
 }
 
-void writeBytes(const std::filesystem::path& path, const Bytes& bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
-}
-
 bool pixelsEqual(const BitmapBuffer& a, const BitmapBuffer& b) {
     if (a.width != b.width || a.height != b.height) return false;
     for (int y = 0; y < a.height; ++y)
@@ -200,7 +195,7 @@ TEST(BitmapInterop, PillowReadsOurBitmapsWithTheSamePixelsAndPalette) {
         "assert im.mode == 'P' and im.size == (74, 15)\n"
         "open('" + (dir / "idx").string() + "', 'wb').write(im.tobytes())\n"
         "open('" + (dir / "rgb").string() + "', 'wb').write(im.convert('RGB').tobytes())\n";
-    writeBytes(dir / "s.py", Bytes(script.begin(), script.end()));
+    test::writeFileBytes(dir / "s.py", Bytes(script.begin(), script.end()));
     ASSERT_EQ(run("/usr/bin/python3 " + (dir / "s.py").string()), 0);
     auto indexes = readWholeFile(dir / "idx");
     auto rgb = readWholeFile(dir / "rgb");
@@ -234,7 +229,7 @@ TEST(BitmapInterop, PillowBitmapsLoadWithTheirPixels) {
         "im.save('" + (dir / "p.bmp").string() + "')\n"
         "im.resize((74, 16)).save('" + (dir / "tall.bmp").string() + "')\n"
         "im.convert('RGB').save('" + (dir / "rgb.bmp").string() + "')\n";
-    writeBytes(dir / "s.py", Bytes(script.begin(), script.end()));
+    test::writeFileBytes(dir / "s.py", Bytes(script.begin(), script.end()));
     ASSERT_EQ(run("/usr/bin/python3 " + (dir / "s.py").string()), 0);
     auto loaded = LoadBitmap8(dir / "p.bmp", 74, 15);
     ASSERT_TRUE(loaded);
