@@ -296,7 +296,7 @@ TEST_F(DocumentTest, AutofileOpenAsksAboutChangesAndReportsAMissingFile) {
     EXPECT_FALSE(window().action(command::AutofileOpen)->isEnabled());
 }
 
-TEST_F(AppTest, StartUpOpensTheAutofileUnlessACarSetWasNamed) {
+TEST_F(AppTest, StartUpOpensTheAutofileUnlessACarSetWasNamedAndOpened) {
     const std::string game = configureGame();
     {
         MainWindow& w = window();
@@ -319,22 +319,14 @@ TEST_F(AppTest, StartUpOpensTheAutofileUnlessACarSetWasNamed) {
     EXPECT_EQ(fieldText(named.carSet().team(0).name), "Named");
     EXPECT_TRUE(named.action(command::AutofileRemove)->isEnabled());
     EXPECT_EQ(named.action(command::AutofileOpen)->text(), "AUTO.GP2");
-}
+    EXPECT_FALSE(asker.shown(MessageId::CouldntOpenCarSetFile));
 
-TEST_F(AppTest, StartUpFallsBackToTheAutofileWhenTheNamedSetFails) {
-    const std::string game = configureGame();
-    {
-        MainWindow& w = window();
-        renameTeam(w, "Fallback");
-        asker.files.push_back(path("AUTO.GP2"));
-        ASSERT_TRUE(w.saveAs());
-    }
-    writeConfig("[Files]\nLocate GP2.EXE=" + game + "\nAutoFile=" + (folder() / "AUTO.GP2").string() + "\n");
-    MainWindow w(session, asker);
-    w.startUp(path("NOSUCH.GP2"));
+    // A named set that fails to open falls back to the Autofile.
+    MainWindow fallback(session, asker);
+    fallback.startUp(path("NOSUCH.GP2"));
     EXPECT_TRUE(asker.shown(MessageId::CouldntOpenCarSetFile));
-    EXPECT_EQ(fieldText(w.carSet().team(0).name), "Fallback");
-    EXPECT_EQ(w.windowTitle().toStdString(), "Tarvel-32 v1.86 - [ AUTO.GP2 ]");
+    EXPECT_EQ(fieldText(fallback.carSet().team(0).name), "AutoTeam");
+    EXPECT_EQ(fallback.windowTitle().toStdString(), "Tarvel-32 v1.86 - [ AUTO.GP2 ]");
 }
 
 TEST_F(AppTest, StartUpWithABrokenAutofileGreysItsEntries) {
