@@ -1,7 +1,6 @@
 #include "CarSetJson.h"
 #include "fixtures/CarSetSamples.h"
-#include "fixtures/GameFixture.h"
-#include "Cli.h"
+#include "CliTestSupport.h"
 
 #include "carset/CarSetFile.h"
 #include "common/ByteIO.h"
@@ -17,25 +16,8 @@ namespace tarvel::cli {
 namespace {
 namespace fs = std::filesystem;
 
-struct Outcome {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-class CliTest : public ::testing::Test {
+class CliTest : public CliFixture {
 protected:
-    std::string at(const std::string& name) const { return (dir_ / name).string(); }
-
-    // Runs the tool with a configuration file of this test's own.
-    Outcome cli(std::vector<std::string> args, const std::string& input = {}) {
-        args.insert(args.begin(), {"--config", at("tarvel32.ini")});
-        std::istringstream in(input);
-        std::ostringstream out, err;
-        int status = run(args, in, out, err);
-        return {status, out.str(), err.str()};
-    }
-
     Bytes bytesOf(const std::string& name) { return readWholeFile(at(name)).value_or(Bytes{}); }
     void writeBytes(const std::string& name, const Bytes& data) { ASSERT_TRUE(writeFileAtomically(at(name), data)); }
 
@@ -44,9 +26,6 @@ protected:
         EXPECT_TRUE(loadCarSet(set, at(name), CarSetFileOptions{}));
         return set;
     }
-
-    test::TempFolder temp_{"cli"};
-    const fs::path& dir_ = temp_.path();
 };
 
 TEST_F(CliTest, UsageErrorsExitWithTwo) {

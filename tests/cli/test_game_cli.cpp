@@ -1,4 +1,4 @@
-#include "Cli.h"
+#include "CliTestSupport.h"
 
 #include "carset/CarSet.h"
 #include "carset/CarSetFile.h"
@@ -7,35 +7,16 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <sstream>
 
 namespace tarvel::cli {
 namespace {
 namespace fs = std::filesystem;
-using test::TempFolder;
 
-class GameCli : public ::testing::Test {
+class GameCli : public CliFixture {
 protected:
-    struct Outcome {
-        int status;
-        std::string out;
-        std::string err;
-    };
-    Outcome cli(std::vector<std::string> args) {
-        args.insert(args.begin(), {"--config", (folder.path() / "tarvel32.ini").string()});
-        std::ostringstream out, err;
-        int status = run(args, out, err);
-        return {status, out.str(), err.str()};
-    }
     std::string game(test::GameFixtureOptions options = {}) {
         return test::makeTestGame(folder.path() / "game", options);
     }
-    std::string newSet() {
-        std::string path = (folder.path() / "in.gp2").string();
-        EXPECT_EQ(cli({"new", path}).status, kExitOk);
-        return path;
-    }
-    TempFolder folder{"gamecli"};
 };
 
 TEST_F(GameCli, DetectAndStateFile) {

@@ -1,4 +1,4 @@
-#include "Cli.h"
+#include "CliTestSupport.h"
 
 #include "carset/CarSet.h"
 #include "carset/CarSetFile.h"
@@ -13,33 +13,15 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
 
 namespace tarvel::cli {
 namespace {
 namespace fs = std::filesystem;
 using test::pixelAt;
 
-class GraphicsCli : public ::testing::Test {
+class GraphicsCli : public CliFixture {
 protected:
-    struct Outcome {
-        int status;
-        std::string out;
-        std::string err;
-    };
-    Outcome cli(std::vector<std::string> args) {
-        args.insert(args.begin(), {"--config", (folder / "tarvel32.ini").string()});
-        std::ostringstream out, err;
-        int status = run(args, out, err);
-        return {status, out.str(), err.str()};
-    }
-    std::string path(const std::string& name) { return (folder / name).string(); }
-    std::string newSet() {
-        std::string p = path("in.gp2");
-        EXPECT_EQ(cli({"new", p}).status, kExitOk);
-        return p;
-    }
-    test::ScratchFolder folder;
+    std::string path(const std::string& name) { return at(name); }
 };
 
 TEST_F(GraphicsCli, LiveryExportAndImport) {
