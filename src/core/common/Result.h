@@ -19,8 +19,13 @@ namespace tarvel {
 
 #if defined(__cpp_lib_expected)
 
+// A class rather than an alias so that a dropped result is a compile warning.
 template <class T>
-using Result = std::expected<T, Message>;
+class [[nodiscard]] Result : public std::expected<T, Message> {
+public:
+    using std::expected<T, Message>::expected;
+    Result(std::expected<T, Message> e) : std::expected<T, Message>(std::move(e)) {}
+};
 using Failure = std::unexpected<Message>;
 
 #else
@@ -36,7 +41,7 @@ private:
 };
 
 template <class T>
-class Result {
+class [[nodiscard]] Result {
 public:
     Result(const T& v) : state_(std::in_place_index<0>, v) {}
     Result(T&& v) : state_(std::in_place_index<0>, std::move(v)) {}
@@ -62,7 +67,7 @@ private:
 };
 
 template <>
-class Result<void> {
+class [[nodiscard]] Result<void> {
 public:
     Result() = default;
     Result(Failure f) : failed_(true), message_(std::move(f).error()) {}
