@@ -2,9 +2,12 @@
 // A scripted user for the editor window, and a fixture that gives each test
 // its own configuration file and working folder.
 
+#include "carset/FileFlow.h"
+#include "carset/TeamPanel.h"
 #include "shell/Asker.h"
 #include "shell/ConfigDialog.h"
 #include "shell/MainWindow.h"
+#include "shell/Document.h"
 #include "shell/Session.h"
 
 #include "common/CodePage.h"
@@ -106,6 +109,16 @@ protected:
             });
         }
         return *window_;
+    }
+
+    TeamPanel& panel() { return window().panel(); }
+    const CarSet& set() { return window().document().set(); }
+    // Changes the set through the document, as an editor would (the set becomes dirty).
+    void change(const std::function<void(CarSet&)>& edit) {
+        window().document().edit(Document::Everything, [&](CarSet& s) {
+            edit(s);
+            return true;
+        });
     }
 
     // A configured, known game; start-up then offers no dialog.

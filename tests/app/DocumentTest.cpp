@@ -4,8 +4,8 @@
 #include "AppTestSupport.h"
 
 #include "carset/CarSetFile.h"
-#include "shell/CommandTable.h"
-#include "shell/TeamList.h"
+#include "shell/CommandIds.h"
+#include "carset/TeamList.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -19,11 +19,11 @@ namespace tarvel::test {
 namespace {
 
 void renameTeam(MainWindow& w, const QString& name) {
-    w.teamName()->selectAll();
-    QTest::keyClicks(w.teamName(), name);
+    w.panel().teamName()->selectAll();
+    QTest::keyClicks(w.panel().teamName(), name);
 }
 
-std::string teamName(MainWindow& w, int team) { return fieldText(w.carSet().team(team).name); }
+std::string teamName(MainWindow& w, int team) { return fieldText(w.document().set().team(team).name); }
 
 class DocumentTest : public AppTest {
 protected:
@@ -36,8 +36,8 @@ protected:
     void saveNamed(const std::string& name) {
         renameTeam(window(), "Saved");
         asker.files.push_back(path(name));
-        ASSERT_TRUE(window().saveAs());
-        ASSERT_FALSE(window().carSet().document.dirty);
+        ASSERT_TRUE(saveCarSetFileAs(window().bench()));
+        ASSERT_FALSE(window().document().isDirty());
     }
 };
 
@@ -45,24 +45,26 @@ TEST_F(DocumentTest, TitleCarriesFileNameAndNonZeroAssetCountsInOrder) {
     saveNamed("NAME.GP2");
     MainWindow& w = window();
     EXPECT_EQ(w.windowTitle().toStdString(), "Tarvel-32 v1.86 - [ NAME.GP2 ]");
-    w.carSet().wheelCount = 4;
-    w.carSet().jamCount = 12;
-    w.refreshAll();
+    change([](CarSet& s) {
+        s.wheelCount = 4;
+        s.jamCount = 12;
+    });
     EXPECT_EQ(w.windowTitle().toStdString(), "Tarvel-32 v1.86 - [ NAME.GP2 ] - W(4) - J(12)");
-    w.carSet().soundCount = 3;
-    w.carSet().cockpitCount = 1;
-    w.carSet().menuHelmetCount = 28;
-    w.refreshAll();
+    change([](CarSet& s) {
+        s.soundCount = 3;
+        s.cockpitCount = 1;
+        s.menuHelmetCount = 28;
+    });
     EXPECT_EQ(w.windowTitle().toStdString(),
               "Tarvel-32 v1.86 - [ NAME.GP2 ] - W(4) - C(1) - J(12) - H(28) - S(3)");
 }
 
 TEST_F(DocumentTest, EditsMarkTheSetDirty) {
-    EXPECT_FALSE(window().carSet().document.dirty);
+    EXPECT_FALSE(window().document().isDirty());
     renameTeam(window(), "Edited");
-    EXPECT_TRUE(window().carSet().document.dirty);
+    EXPECT_TRUE(window().document().isDirty());
     EXPECT_EQ(teamName(window(), 0), "Edited");
-    EXPECT_EQ(window().teamList()->item(0)->text(), "Edited");
+    EXPECT_EQ(panel().teamList()->item(0)->text(), "Edited");
 }
 
 TEST_F(DocumentTest, NamesCrossTheWindowAsWindows1252) {
@@ -73,12 +75,13 @@ TEST_F(DocumentTest, NamesCrossTheWindowAsWindows1252) {
 TEST_F(DocumentTest, SaveOnANeverSavedSetActsAsSaveAs) {
     renameTeam(window(), "Fresh");
     asker.files.push_back(path("FRESH.GP2"));
-    window().runCommand(command::Save);
+    EXPECT_FALSE(window().action(command::Save)->isEnabled());
+    EXPECT_TRUE(saveCarSetFile(window().bench()));
     ASSERT_EQ(asker.fileTitles.size(), 1u);
     EXPECT_EQ(asker.fileTitles[0], "Save Car Set As...");
     EXPECT_TRUE(std::filesystem::exists(folder() / "FRESH.GP2"));
-    EXPECT_TRUE(window().carSet().document.hasFile);
-    EXPECT_FALSE(window().carSet().document.dirty);
+    EXPECT_TRUE(window().document().hasFile());
+    EXPECT_FALSE(window().document().isDirty());
     EXPECT_TRUE(window().action(command::Save)->isEnabled());
     // The second Save writes over the file without asking.
     renameTeam(window(), "Again");
@@ -93,12 +96,12 @@ TEST_F(DocumentTest, SaveAsOntoAnExistingFileAsksFirst) {
     std::ofstream(folder() / "TAKEN.GP2") << "old";
     asker.files.push_back(path("TAKEN.GP2"));
     asker.answers.push_back(Answer::No);
-    EXPECT_FALSE(window().saveAs());
+    EXPECT_FALSE(saveCarSetFileAs(window().bench()));
     EXPECT_TRUE(asker.shown(MessageId::ReplaceExistingFile));
-    EXPECT_FALSE(window().carSet().document.hasFile);
+    EXPECT_FALSE(window().document().hasFile());
     asker.files.push_back(path("TAKEN.GP2"));
     asker.answers.push_back(Answer::Yes);
-    EXPECT_TRUE(window().saveAs());
+    EXPECT_TRUE(saveCarSetFileAs(window().bench()));
     CarSet reread;
     EXPECT_TRUE(loadCarSet(reread, folder() / "TAKEN.GP2", CarSetFileOptions{}));
 }
@@ -110,7 +113,7 @@ TEST_F(DocumentTest, NewAsksWithTheUpperCasedFileTitle) {
     window().runCommand(command::NewCarSet);
     EXPECT_EQ(asker.lastText(), "Save Changes to MIXED.GP2?");
     EXPECT_EQ(teamName(window(), 0), "Changed");
-    EXPECT_TRUE(window().carSet().document.dirty);
+    EXPECT_TRUE(window().document().isDirty());
 }
 
 TEST_F(DocumentTest, NewWithNoAnswerDropsTheChanges) {
@@ -119,8 +122,8 @@ TEST_F(DocumentTest, NewWithNoAnswerDropsTheChanges) {
     window().runCommand(command::NewCarSet);
     EXPECT_EQ(asker.lastText(), "Save Changes to Car Set?");
     EXPECT_EQ(teamName(window(), 0), "Team Name");
-    EXPECT_FALSE(window().carSet().document.dirty);
-    EXPECT_FALSE(window().carSet().document.hasFile);
+    EXPECT_FALSE(window().document().isDirty());
+    EXPECT_FALSE(window().document().hasFile());
 }
 
 TEST_F(DocumentTest, NewWithYesSavesFirst) {
@@ -155,14 +158,14 @@ TEST_F(DocumentTest, OpenAsksAndHonoursEveryAnswer) {
     window().runCommand(command::Open);
     EXPECT_EQ(asker.fileTitles.back(), "Open Car Set");
     EXPECT_EQ(teamName(window(), 0), "Saved");
-    EXPECT_FALSE(window().carSet().document.dirty);
+    EXPECT_FALSE(window().document().isDirty());
     // Yes: saved into OTHER.GP2, then OTHER.GP2 opened again.
     renameTeam(window(), "Yes");
     asker.answers.push_back(Answer::Yes);
     asker.files.push_back(path("OTHER.GP2"));
     window().runCommand(command::Open);
     EXPECT_EQ(teamName(window(), 0), "Yes");
-    EXPECT_FALSE(window().carSet().document.dirty);
+    EXPECT_FALSE(window().document().isDirty());
 }
 
 TEST_F(DocumentTest, CloseAsksAndCancelKeepsTheWindow) {
@@ -199,7 +202,7 @@ TEST_F(DocumentTest, OpeningAFileThatIsNotACarSetLeavesTheSetAsItWas) {
     ASSERT_FALSE(asker.ids.empty());
     EXPECT_EQ(asker.ids.back(), MessageId::NotValidCarSet);
     EXPECT_EQ(teamName(window(), 0), "Mine");
-    EXPECT_FALSE(window().carSet().document.hasFile);
+    EXPECT_FALSE(window().document().hasFile());
 }
 
 TEST_F(DocumentTest, OpenInNewWindowChecksTheFileFirst) {
@@ -285,7 +288,7 @@ TEST_F(DocumentTest, AutofileOpenAsksAboutChangesAndReportsAMissingFile) {
     asker.answers.push_back(Answer::Yes);
     window().runCommand(command::AutofileOpen);
     EXPECT_EQ(teamName(window(), 0), "Resaved");
-    EXPECT_FALSE(window().carSet().document.dirty);
+    EXPECT_FALSE(window().document().isDirty());
     EXPECT_TRUE(asker.answers.empty());
 
     std::filesystem::remove(folder() / "AUTO.GP2");
@@ -302,21 +305,21 @@ TEST_F(AppTest, StartUpOpensTheAutofileUnlessACarSetWasNamedAndOpened) {
         MainWindow& w = window();
         renameTeam(w, "AutoTeam");
         asker.files.push_back(path("AUTO.GP2"));
-        ASSERT_TRUE(w.saveAs());
+        ASSERT_TRUE(saveCarSetFileAs(w.bench()));
         renameTeam(w, "Named");
         asker.files.push_back(path("NAMED.GP2"));
-        ASSERT_TRUE(w.saveAs());
+        ASSERT_TRUE(saveCarSetFileAs(w.bench()));
     }
     writeConfig("[Files]\nLocate GP2.EXE=" + game + "\nAutoFile=" + (folder() / "AUTO.GP2").string() + "\n");
     MainWindow automatic(session, asker);
     automatic.startUp({});
-    EXPECT_EQ(fieldText(automatic.carSet().team(0).name), "AutoTeam");
+    EXPECT_EQ(fieldText(automatic.document().set().team(0).name), "AutoTeam");
     EXPECT_TRUE(automatic.action(command::AutofileRemove)->isEnabled());
     EXPECT_EQ(automatic.action(command::AutofileOpen)->text(), "AUTO.GP2");
 
     MainWindow named(session, asker);
     named.startUp(path("NAMED.GP2"));
-    EXPECT_EQ(fieldText(named.carSet().team(0).name), "Named");
+    EXPECT_EQ(fieldText(named.document().set().team(0).name), "Named");
     EXPECT_TRUE(named.action(command::AutofileRemove)->isEnabled());
     EXPECT_EQ(named.action(command::AutofileOpen)->text(), "AUTO.GP2");
     EXPECT_FALSE(asker.shown(MessageId::CouldntOpenCarSetFile));
@@ -325,7 +328,7 @@ TEST_F(AppTest, StartUpOpensTheAutofileUnlessACarSetWasNamedAndOpened) {
     MainWindow fallback(session, asker);
     fallback.startUp(path("NOSUCH.GP2"));
     EXPECT_TRUE(asker.shown(MessageId::CouldntOpenCarSetFile));
-    EXPECT_EQ(fieldText(fallback.carSet().team(0).name), "AutoTeam");
+    EXPECT_EQ(fieldText(fallback.document().set().team(0).name), "AutoTeam");
     EXPECT_EQ(fallback.windowTitle().toStdString(), "Tarvel-32 v1.86 - [ AUTO.GP2 ]");
 }
 
@@ -348,7 +351,7 @@ TEST_F(DocumentTest, DroppingACarSetOpensIt) {
     asker.answers.push_back(Answer::No);
     EXPECT_TRUE(window().openDropped({QUrl::fromLocalFile(path("DROP.GP2"))}));
     EXPECT_EQ(teamName(window(), 0), "Saved");
-    EXPECT_TRUE(window().carSet().document.hasFile);
+    EXPECT_TRUE(window().document().hasFile());
 }
 
 }  // namespace

@@ -6,9 +6,9 @@
 #include "carset/CarSetPictures.h"
 #include "graphics/Bitmap.h"
 #include "graphics/Helmets.h"
-#include "shell/CommandTable.h"
-#include "shell/PictureWidgets.h"
-#include "shell/TeamList.h"
+#include "shell/CommandIds.h"
+#include "graphics/PictureWidgets.h"
+#include "carset/TeamList.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -27,10 +27,9 @@ protected:
         configureGame();
         window().startUp({});
     }
-    CarSet& set() { return window().carSet(); }
     void clickDisabled(int team, int car) {
-        window().selectTeam(team);
-        window().disabledBox(car)->click();
+        panel().selectTeam(team);
+        panel().disabledBox(car)->click();
     }
 };
 
@@ -38,14 +37,14 @@ TEST_F(EditingTest, DisablingTheFirstCarIsAllowedSilently) {
     clickDisabled(0, 0);
     EXPECT_EQ(set().team(0).disabled[0], 1);
     EXPECT_TRUE(asker.texts.empty());
-    EXPECT_TRUE(window().disabledBox(0)->isChecked());
-    EXPECT_FALSE(window().flagBox(0)->isEnabled());   // greyed while disabled
-    EXPECT_TRUE(window().driverList(0)->currentText().endsWith(" (D)"));
-    EXPECT_TRUE(set().document.dirty);
+    EXPECT_TRUE(panel().disabledBox(0)->isChecked());
+    EXPECT_FALSE(panel().flagBox(0)->isEnabled());   // greyed while disabled
+    EXPECT_TRUE(panel().driverList(0)->currentText().endsWith(" (D)"));
+    EXPECT_TRUE(window().document().isDirty());
     // Clearing asks nothing and enables the other box again.
     clickDisabled(0, 0);
     EXPECT_EQ(set().team(0).disabled[0], 0);
-    EXPECT_TRUE(window().flagBox(0)->isEnabled());
+    EXPECT_TRUE(panel().flagBox(0)->isEnabled());
 }
 
 TEST_F(EditingTest, SecondCarOfTheSameTeamNeedsConfirmation) {
@@ -54,7 +53,7 @@ TEST_F(EditingTest, SecondCarOfTheSameTeamNeedsConfirmation) {
     clickDisabled(3, 1);
     EXPECT_EQ(asker.lastText(), "This will cause corruption on the\r\nin game 'Choose Driver/Team' menu.");
     EXPECT_EQ(set().team(3).disabled[1], 0);
-    EXPECT_FALSE(window().disabledBox(1)->isChecked());
+    EXPECT_FALSE(panel().disabledBox(1)->isChecked());
     asker.answers.push_back(Answer::Ok);
     clickDisabled(3, 1);
     EXPECT_EQ(set().team(3).disabled[1], 1);
@@ -68,8 +67,8 @@ TEST_F(EditingTest, LastTeamIsExemptFromTheQuestion) {
 }
 
 TEST_F(EditingTest, AThirdDisabledCarIsRefusedWithTheList) {
-    window().selectTeam(1);
-    QTest::keyClicks(window().teamName(), "X");   // team 1 is now "Team NameX"
+    panel().selectTeam(1);
+    QTest::keyClicks(panel().teamName(), "X");   // team 1 is now "Team NameX"
     clickDisabled(1, 1);
     clickDisabled(5, 0);
     clickDisabled(7, 0);
@@ -77,7 +76,7 @@ TEST_F(EditingTest, AThirdDisabledCarIsRefusedWithTheList) {
               "Only 2 Cars can be Disabled.\r\n\r\nAlready Disabled :\r\n\r\nTeam NameX - Second Driver\r\nTeam Name - "
               "First Driver");
     EXPECT_EQ(set().team(7).disabled[0], 0);
-    EXPECT_FALSE(window().disabledBox(0)->isChecked());
+    EXPECT_FALSE(panel().disabledBox(0)->isChecked());
 }
 
 // Distinct marks for each team: names, helmets, menu helmet slots, liveries.
@@ -106,23 +105,25 @@ int helmetMark(const CarSet& set, int n) {
 }
 
 TEST_F(EditingTest, MovingATeamMovesRecordsHelmetsAndMenuHelmets) {
-    markTeams(set());
-    set().team(0).teamOrder = 2;   // pit position 0 holds team 2
-    set().team(2).teamOrder = 0;
-    window().refreshAll();
+    change([](CarSet& s) {
+        markTeams(s);
+        s.team(0).teamOrder = 2;   // pit position 0 holds team 2
+        s.team(2).teamOrder = 0;
+    });
+    panel().refreshAll(false);
     asker.answers.push_back(Answer::No);
-    window().requestTeamMove(0, 2);
+    panel().requestTeamMove(0, 2);
     EXPECT_EQ(asker.lastText(), "Move team here?");
     EXPECT_EQ(fieldText(set().team(0).name), "T0");
 
     asker.answers.push_back(Answer::Yes);
-    window().requestTeamMove(0, 2);
+    panel().requestTeamMove(0, 2);
     // List order T1, T2, T0, T3, ...
     EXPECT_EQ(fieldText(set().team(0).name), "T1");
     EXPECT_EQ(fieldText(set().team(1).name), "T2");
     EXPECT_EQ(fieldText(set().team(2).name), "T0");
     EXPECT_EQ(fieldText(set().team(3).name), "T3");
-    EXPECT_EQ(window().teamList()->item(2)->text(), "T0");
+    EXPECT_EQ(panel().teamList()->item(2)->text(), "T0");
     // Helmets 2t and 2t+1 follow their team.
     EXPECT_EQ(helmetMark(set(), 4), 1);   // T0's first helmet now at team 2
     EXPECT_EQ(helmetMark(set(), 5), 2);
@@ -134,14 +135,14 @@ TEST_F(EditingTest, MovingATeamMovesRecordsHelmetsAndMenuHelmets) {
     // The pit order keeps naming the same teams at their new places.
     EXPECT_EQ(set().team(0).teamOrder, 1);   // T2 is now slot 1
     EXPECT_EQ(set().team(2).teamOrder, 2);   // T0 is now slot 2
-    EXPECT_EQ(set().document.currentTeam, 2);
-    EXPECT_TRUE(set().document.dirty);
+    EXPECT_EQ(window().document().currentTeam(), 2);
+    EXPECT_TRUE(window().document().isDirty());
 }
 
 TEST_F(EditingTest, DraggingInTheTeamListAsksOnlyWhileSwappingIsAllowed) {
-    markTeams(set());
-    window().refreshAll();
-    TeamList* list = window().teamList();
+    change(markTeams);
+    panel().refreshAll(false);
+    TeamList* list = panel().teamList();
     auto drag = [&](int fromRow, int toRow) {
         const QPoint from = list->visualItemRect(list->item(fromRow)).center();
         const QPoint to = list->visualItemRect(list->item(toRow)).bottomLeft() + QPoint(5, 1);
@@ -156,7 +157,7 @@ TEST_F(EditingTest, DraggingInTheTeamListAsksOnlyWhileSwappingIsAllowed) {
     EXPECT_EQ(fieldText(set().team(0).name), "T0");
 
     session.config.teamSwap = true;
-    window().refreshAll();
+    panel().refreshAll(false);
     asker.answers.push_back(Answer::Yes);
     drag(0, 3);
     EXPECT_EQ(asker.lastText(), "Move team here?");
@@ -166,25 +167,25 @@ TEST_F(EditingTest, DraggingInTheTeamListAsksOnlyWhileSwappingIsAllowed) {
 
 TEST_F(EditingTest, GripsAreShownAndTypedInTheLowForm) {
     const int number = set().team(0).driver[0];
-    set().driver(number).gripRace = 30751;
-    window().refreshAll();
-    EXPECT_EQ(window().gripField(0, 0)->text(), "15000");
-    EXPECT_EQ(window().gripBar(0, 0)->maximum(), 17016);
-    window().gripField(0, 0)->setText("1000");
-    emit window().gripField(0, 0)->editingFinished();
+    change([&](CarSet& s) { s.driver(number).gripRace = 30751; });
+    panel().refreshAll(false);
+    EXPECT_EQ(panel().gripField(0, 0)->text(), "15000");
+    EXPECT_EQ(panel().gripBar(0, 0)->maximum(), 17016);
+    panel().gripField(0, 0)->setText("1000");
+    emit panel().gripField(0, 0)->editingFinished();
     EXPECT_EQ(set().driver(number).gripRace, 16751);
-    EXPECT_TRUE(set().document.dirty);
-    window().gripField(0, 1)->setText("17017");
-    emit window().gripField(0, 1)->editingFinished();
+    EXPECT_TRUE(window().document().isDirty());
+    panel().gripField(0, 1)->setText("17017");
+    emit panel().gripField(0, 1)->editingFinished();
     EXPECT_EQ(asker.lastText(), "Driver Grip : 0 to 17016.");
     EXPECT_EQ(set().driver(number).gripQual, 30751);
-    EXPECT_EQ(window().gripField(0, 1)->text(), "15000");
+    EXPECT_EQ(panel().gripField(0, 1)->text(), "15000");
     // The random range is typed as stored in either form; text that is no number is refused.
-    window().gripField(0, 2)->setText("700");
-    emit window().gripField(0, 2)->editingFinished();
+    panel().gripField(0, 2)->setText("700");
+    emit panel().gripField(0, 2)->editingFinished();
     EXPECT_EQ(set().driver(number).gripRandom, 700);
-    window().gripField(0, 2)->setText("x");
-    emit window().gripField(0, 2)->editingFinished();
+    panel().gripField(0, 2)->setText("x");
+    emit panel().gripField(0, 2)->editingFinished();
     EXPECT_EQ(asker.lastText(), "Driver Grip Range : 0 to 32767.");
     EXPECT_EQ(set().driver(number).gripRandom, 700);
 }
@@ -192,34 +193,34 @@ TEST_F(EditingTest, GripsAreShownAndTypedInTheLowForm) {
 TEST_F(EditingTest, GripsAreShownAndTypedAsStoredInTheHighForm) {
     session.config.highGrip = true;
     const int number = set().team(2).driver[1];
-    set().driver(number).gripQual = 20000;
-    window().selectTeam(2);
-    EXPECT_EQ(window().gripField(1, 1)->text(), "20000");
-    EXPECT_EQ(window().gripBar(1, 1)->minimum(), 15751);
-    window().gripField(1, 1)->setText("32767");
-    emit window().gripField(1, 1)->editingFinished();
+    change([&](CarSet& s) { s.driver(number).gripQual = 20000; });
+    panel().selectTeam(2);
+    EXPECT_EQ(panel().gripField(1, 1)->text(), "20000");
+    EXPECT_EQ(panel().gripBar(1, 1)->minimum(), 15751);
+    panel().gripField(1, 1)->setText("32767");
+    emit panel().gripField(1, 1)->editingFinished();
     EXPECT_EQ(set().driver(number).gripQual, 32767);
-    window().gripField(1, 0)->setText("15750");
-    emit window().gripField(1, 0)->editingFinished();
+    panel().gripField(1, 0)->setText("15750");
+    emit panel().gripField(1, 0)->editingFinished();
     EXPECT_EQ(asker.lastText(), "Driver Grip : 15751 to 32767.");
     // The scroll bar writes through the same conversion.
-    window().gripBar(1, 0)->setValue(16000);
+    panel().gripBar(1, 0)->setValue(16000);
     EXPECT_EQ(set().driver(number).gripRace, 16000);
     session.config.highGrip = false;
-    window().refreshAll();
-    window().gripBar(1, 0)->setValue(0);
+    panel().refreshAll(false);
+    panel().gripBar(1, 0)->setValue(0);
     EXPECT_EQ(set().driver(number).gripRace, 15751);
 }
 
 TEST_F(EditingTest, PerformanceBarsAndHighNoseWriteTheCurrentTeam) {
-    window().selectTeam(4);
-    window().performanceBar(0)->setValue(1500);
-    window().performanceBar(2)->setValue(32767);
+    panel().selectTeam(4);
+    panel().performanceBar(0)->setValue(1500);
+    panel().performanceBar(2)->setValue(32767);
     EXPECT_EQ(set().team(4).powerRace, 1500);
     EXPECT_EQ(set().team(4).failureProbability, 32767);
-    EXPECT_EQ(window().performanceValue(0)->text(), "1500");
-    EXPECT_EQ(window().performanceBar(0)->maximum(), 1579);
-    window().highNose()->click();
+    EXPECT_EQ(panel().performanceValue(0)->text(), "1500");
+    EXPECT_EQ(panel().performanceBar(0)->maximum(), 1579);
+    panel().highNose()->click();
     EXPECT_EQ(set().team(4).highNose, 0);
     EXPECT_EQ(set().team(3).powerRace, 760);
 }
@@ -227,7 +228,7 @@ TEST_F(EditingTest, PerformanceBarsAndHighNoseWriteTheCurrentTeam) {
 TEST_F(EditingTest, ChoosingADriverExchangesSeatsAndNumbersRenumber) {
     const int first = set().team(0).driver[0];
     const int spare = set().team(14).driver[0];
-    QComboBox* list = window().driverList(0);
+    QComboBox* list = panel().driverList(0);
     const int index = list->findData(28);   // the first spare seat
     ASSERT_GE(index, 0);
     EXPECT_GT(index, list->findText(" --- SPARE DRIVERS ----------"));
@@ -235,15 +236,15 @@ TEST_F(EditingTest, ChoosingADriverExchangesSeatsAndNumbersRenumber) {
     EXPECT_EQ(set().team(0).driver[0], spare);
     EXPECT_EQ(set().team(14).driver[0], first);
 
-    window().driverName(0)->selectAll();
-    QTest::keyClicks(window().driverName(0), "Zed");
+    panel().driverName(0)->selectAll();
+    QTest::keyClicks(panel().driverName(0), "Zed");
     EXPECT_EQ(fieldText(set().driver(spare).name), "Zed");
     EXPECT_TRUE(list->currentText().endsWith("Zed"));
 
-    window().driverNumber(0)->setText("40");
-    emit window().driverNumber(0)->editingFinished();
+    panel().driverNumber(0)->setText("40");
+    emit panel().driverNumber(0)->editingFinished();
     EXPECT_EQ(set().team(0).driver[0], 40);
-    EXPECT_EQ(window().driverNumber(0)->text(), "40");
+    EXPECT_EQ(panel().driverNumber(0)->text(), "40");
 }
 
 // A 256 x 164 bitmap file whose pixels are value + column % 7.
@@ -256,10 +257,10 @@ QString writeLivery(const std::filesystem::path& file, int value) {
 }
 
 TEST_F(EditingTest, LiveryLoadedFromABitmapAndUndone) {
-    window().selectTeam(5);
+    panel().selectTeam(5);
     const std::vector<std::uint8_t> before = set().liveries[5];
     const AssetSlot slotBefore = set().team(5).carBitmap;
-    EXPECT_FALSE(window().undoButton()->isEnabled());
+    EXPECT_FALSE(panel().undoButton()->isEnabled());
 
     asker.files.push_back(writeLivery(folder() / "CAR.BMP", 40));
     window().runCommand(command::CarLoad);
@@ -267,14 +268,14 @@ TEST_F(EditingTest, LiveryLoadedFromABitmapAndUndone) {
     ASSERT_EQ(set().liveries[5].size(), std::size_t(kLiveryPixels));
     EXPECT_EQ(set().liveries[5][3], 43);
     EXPECT_EQ(set().team(5).carBitmap.status, kAssetExternal);
-    EXPECT_TRUE(window().undoButton()->isEnabled());
-    window().liveryView()->finishReveal();
-    EXPECT_EQ(window().liveryView()->shown().pixelIndex(3, 0), 43);
+    EXPECT_TRUE(panel().undoButton()->isEnabled());
+    panel().liveryView()->finishReveal();
+    EXPECT_EQ(panel().liveryView()->shown().pixelIndex(3, 0), 43);
 
-    window().undoButton()->click();
+    panel().undoButton()->click();
     EXPECT_EQ(set().liveries[5], before);
     EXPECT_EQ(set().team(5).carBitmap.status, slotBefore.status);
-    EXPECT_FALSE(window().undoButton()->isEnabled());
+    EXPECT_FALSE(panel().undoButton()->isEnabled());
 }
 
 TEST_F(EditingTest, AWrongSizedBitmapIsRefusedAndNothingChanges) {
@@ -285,11 +286,11 @@ TEST_F(EditingTest, AWrongSizedBitmapIsRefusedAndNothingChanges) {
     window().runCommand(command::CarLoad);
     EXPECT_EQ(asker.lastText(), "Couldn't Load Bitmap.");
     EXPECT_EQ(set().liveries[0], before);
-    EXPECT_FALSE(window().undoButton()->isEnabled());
+    EXPECT_FALSE(panel().undoButton()->isEnabled());
 }
 
 TEST_F(EditingTest, LiverySavedAndSingleHelmetsExchanged) {
-    window().selectTeam(1);
+    panel().selectTeam(1);
     asker.files.push_back(path("OUT.BMP"));
     window().runCommand(command::CarSaveAs);
     auto saved = LoadBitmap8(folder() / "OUT.BMP", kLiveryWidth, kLiveryHeight);
@@ -303,7 +304,7 @@ TEST_F(EditingTest, LiverySavedAndSingleHelmetsExchanged) {
     window().runCommand(command::SecondHelmetLoad);
     EXPECT_EQ(helmetMark(set(), 3), 77);   // team 1, second car
     EXPECT_NE(helmetMark(set(), 2), 77);
-    EXPECT_EQ(window().helmetView(1)->helmet().pixelIndex(10, 5), 77);
+    EXPECT_EQ(panel().helmetView(1)->helmet().pixelIndex(10, 5), 77);
 
     asker.files.push_back(path("BACK.BMP"));
     window().runCommand(command::SecondHelmetSaveAs);
@@ -314,12 +315,12 @@ TEST_F(EditingTest, LiverySavedAndSingleHelmetsExchanged) {
 
 TEST_F(EditingTest, MosaicRevealEndsWithTheWholePicture) {
     session.config.mosaic = 3;
-    set().liveries[6].assign(kLiveryPixels, 9);
-    window().selectTeam(6);
-    EXPECT_TRUE(window().liveryView()->revealing());
-    QTRY_VERIFY_WITH_TIMEOUT(!window().liveryView()->revealing(), 5000);
-    EXPECT_EQ(window().liveryView()->shown(), window().liveryView()->picture());
-    EXPECT_EQ(window().liveryView()->shown().pixelIndex(255, 163), 9);
+    change([](CarSet& s) { s.liveries[6].assign(kLiveryPixels, 9); });
+    panel().selectTeam(6);
+    EXPECT_TRUE(panel().liveryView()->revealing());
+    QTRY_VERIFY_WITH_TIMEOUT(!panel().liveryView()->revealing(), 5000);
+    EXPECT_EQ(panel().liveryView()->shown(), panel().liveryView()->picture());
+    EXPECT_EQ(panel().liveryView()->shown().pixelIndex(255, 163), 9);
 }
 
 TEST_F(EditingTest, LaunchRunsTheGameOrTheConfiguredCommandInTheGameFolder) {

@@ -6,9 +6,9 @@
 #include "carset/CarSetPictures.h"
 #include "common/FileIO.h"
 #include "game/GameTransfer.h"
-#include "shell/CarBitmapPopup.h"
-#include "shell/CommandTable.h"
-#include "shell/ProgressWindow.h"
+#include "graphics/CarBitmapPopup.h"
+#include "shell/CommandIds.h"
+#include "game/ProgressWindow.h"
 #include "shell/Startup.h"
 
 #include "carset/WorkingFolder.h"
@@ -37,9 +37,11 @@ protected:
 };
 
 TEST_F(GameCommandsTest, CarExportPatchesTheTeamsJamAndImportReadsItBack) {
-    CarSet& set = window().carSet();
-    window().selectTeam(2);
-    for (int i = 0; i < kLiveryPixels; ++i) set.liveries[2][std::size_t(i)] = std::uint8_t(32 + (i / 8) % 8);
+    panel().selectTeam(2);
+    change([](CarSet& s) {
+        for (int i = 0; i < kLiveryPixels; ++i) s.liveries[2][std::size_t(i)] = std::uint8_t(32 + (i / 8) % 8);
+    });
+    const CarSet& set = this->set();
     const std::vector<std::uint8_t> painted = set.liveries[2];
     const std::filesystem::path jam = gameFileOfItem(3);
     ASSERT_FALSE(jam.empty());
@@ -48,24 +50,24 @@ TEST_F(GameCommandsTest, CarExportPatchesTheTeamsJamAndImportReadsItBack) {
     EXPECT_EQ(asker.lastText(), "File Patched Successfully!");
     EXPECT_NE(readFileBytes(jam), before);
 
-    set.liveries[2].assign(kLiveryPixels, 0);
+    change([](CarSet& s) { s.liveries[2].assign(kLiveryPixels, 0); });
     window().runCommand(command::CarImport);
     EXPECT_EQ(set.team(2).carBitmap.status, kAssetExternal);
     EXPECT_EQ(set.liveries[2][std::size_t(80 * kLiveryWidth + 100)], painted[std::size_t(80 * kLiveryWidth + 100)]);
     // The import can be undone like a load.
-    ASSERT_TRUE(window().undoButton()->isEnabled());
-    window().undoButton()->click();
+    ASSERT_TRUE(panel().undoButton()->isEnabled());
+    panel().undoButton()->click();
     EXPECT_EQ(set.liveries[2][0], 0);
 }
 
 TEST_F(GameCommandsTest, HelmetSheetGoesToTheGameAndComesBack) {
-    CarSet& set = window().carSet();
+    const CarSet& set = this->set();
     const std::vector<std::uint8_t> original = set.helmetSheet;
     const Bytes before = readFileBytes(gameFileOfItem(15));
     window().runCommand(command::HelmetsExport);
     EXPECT_EQ(asker.lastText(), "File Patched Successfully!");
     EXPECT_NE(readFileBytes(gameFileOfItem(15)), before);
-    set.helmetSheet.assign(kHelmetSheetPixels, 0);
+    change([](CarSet& s) { s.helmetSheet.assign(kHelmetSheetPixels, 0); });
     window().runCommand(command::HelmetsImport);
     EXPECT_EQ(asker.ids.size(), 1u) << asker.lastText();
     // Helmet 0's middle row is back.
@@ -74,16 +76,16 @@ TEST_F(GameCommandsTest, HelmetSheetGoesToTheGameAndComesBack) {
 }
 
 TEST_F(GameCommandsTest, HelmetSheetFileCommandsRoundTrip) {
-    CarSet& set = window().carSet();
+    const CarSet& set = this->set();
     asker.files.push_back(path("SHEET.BMP"));
     window().runCommand(command::HelmetsSaveAs);
     ASSERT_TRUE(std::filesystem::exists(folder() / "SHEET.BMP"));
     const std::vector<std::uint8_t> saved = set.helmetSheet;
-    set.helmetSheet.assign(kHelmetSheetPixels, 0);
+    change([](CarSet& s) { s.helmetSheet.assign(kHelmetSheetPixels, 0); });
     asker.files.push_back(path("SHEET.BMP"));
     window().runCommand(command::HelmetsLoad);
     EXPECT_EQ(set.helmetSheet, saved);
-    EXPECT_TRUE(set.document.dirty);
+    EXPECT_TRUE(window().document().isDirty());
     asker.files.push_back(path("missing.bmp"));
     window().runCommand(command::HelmetsLoad);
     EXPECT_EQ(asker.lastText(), "Couldn't Load Bitmap.");
@@ -101,14 +103,14 @@ TEST_F(GameCommandsTest, ExportAbortedFromTheProgressWindow) {
 }
 
 TEST_F(GameCommandsTest, ImportRefusedForAMissingGameFileLeavesTheSetUnchanged) {
-    CarSet& set = window().carSet();
+    const CarSet& set = this->set();
     const std::string nameBefore = fieldText(set.teams[0].name);
-    ASSERT_FALSE(set.document.dirty);
+    ASSERT_FALSE(window().document().isDirty());
     std::filesystem::remove(gameFileOfItem(0));
     window().runCommand(command::ImportFromGame);
     ASSERT_FALSE(asker.texts.empty());
     EXPECT_EQ(asker.lastText(), "File Not Found - GP2.EXE.");
-    EXPECT_FALSE(set.document.dirty);
+    EXPECT_FALSE(window().document().isDirty());
     EXPECT_EQ(fieldText(set.teams[0].name), nameBefore);
 }
 

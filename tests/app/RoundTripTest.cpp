@@ -7,7 +7,7 @@
 #include "common/FileIO.h"
 #include "game/GameTransfer.h"
 #include "graphics/Bitmap.h"
-#include "shell/CommandTable.h"
+#include "shell/CommandIds.h"
 
 #include <QLineEdit>
 #include <QTest>
@@ -40,33 +40,33 @@ TEST_F(AppTest, RoundTripThroughTheGame) {
     // Import: the game's names replace the defaults.
     w.runCommand(command::ImportFromGame);
     ASSERT_TRUE(asker.ids.empty()) << asker.lastText();
-    const std::string imported = fieldText(w.carSet().team(0).name);
+    const std::string imported = fieldText(w.document().set().team(0).name);
     EXPECT_NE(imported, "Team Name");
-    EXPECT_EQ(w.teamName()->text().toStdString(), windows1252ToUtf8(imported));
-    EXPECT_TRUE(w.carSet().document.dirty);
+    EXPECT_EQ(w.panel().teamName()->text().toStdString(), windows1252ToUtf8(imported));
+    EXPECT_TRUE(w.document().isDirty());
 
     // Edit a name and a livery.
-    w.selectTeam(0);
-    w.teamName()->selectAll();
-    QTest::keyClicks(w.teamName(), "Rocket");
+    w.panel().selectTeam(0);
+    w.panel().teamName()->selectAll();
+    QTest::keyClicks(w.panel().teamName(), "Rocket");
     BitmapBuffer bitmap(kLiveryWidth, kLiveryHeight);
     for (int r = 0; r < kLiveryHeight; ++r)
         for (int x = 0; x < kLiveryWidth; ++x) bitmap.row(r)[x] = std::uint8_t(32 + (x / 16) % 8);
     ASSERT_TRUE(SaveBitmap8(folder() / "NEW.BMP", bitmap, GraphicsOptions{}));
     asker.files.push_back(path("NEW.BMP"));
     w.runCommand(command::CarLoad);
-    const std::vector<std::uint8_t> livery = w.carSet().liveries[0];
+    const std::vector<std::uint8_t> livery = w.document().set().liveries[0];
 
     // Save, start again and reopen.
     asker.files.push_back(path("ROUND.GP2"));
-    w.runCommand(command::Save);
-    ASSERT_FALSE(w.carSet().document.dirty);
+    w.runCommand(command::SaveAs);
+    ASSERT_FALSE(w.document().isDirty());
     w.runCommand(command::NewCarSet);
-    EXPECT_EQ(fieldText(w.carSet().team(0).name), "Team Name");
+    EXPECT_EQ(fieldText(w.document().set().team(0).name), "Team Name");
     asker.files.push_back(path("ROUND.GP2"));
     w.runCommand(command::Open);
-    ASSERT_EQ(fieldText(w.carSet().team(0).name), "Rocket");
-    EXPECT_EQ(w.carSet().liveries[0], livery);
+    ASSERT_EQ(fieldText(w.document().set().team(0).name), "Rocket");
+    EXPECT_EQ(w.document().set().liveries[0], livery);
 
     // Export, then read the game back into a fresh set.
     const std::filesystem::path jam = carJamOfTeam(game, 0);
@@ -79,9 +79,9 @@ TEST_F(AppTest, RoundTripThroughTheGame) {
     w.runCommand(command::NewCarSet);
     w.runCommand(command::ImportFromGame);
     ASSERT_TRUE(asker.ids.empty()) << asker.lastText();
-    EXPECT_EQ(fieldText(w.carSet().team(0).name), "Rocket");
+    EXPECT_EQ(fieldText(w.document().set().team(0).name), "Rocket");
     // The livery came back from the game's texture in the colours it was given.
-    EXPECT_EQ(w.carSet().liveries[0][64 * kLiveryWidth + 40], livery[64 * kLiveryWidth + 40]);
+    EXPECT_EQ(w.document().set().liveries[0][64 * kLiveryWidth + 40], livery[64 * kLiveryWidth + 40]);
 }
 
 TEST_F(AppTest, ImportWithAMissingGameFileNamesIt) {

@@ -2,9 +2,11 @@
 
 #include "AppTestSupport.h"
 
-#include "shell/CommandTable.h"
+#include "shell/CommandIds.h"
 
 #include <QAction>
+#include <QMenu>
+#include <QMenuBar>
 #include <QCheckBox>
 #include <QLabel>
 #include <QRadioButton>
@@ -156,25 +158,35 @@ TEST_F(AppTest, BrowseFillsTheFieldFromTheFileDialog) {
     EXPECT_EQ(asker.fileTitles[0], "Locate GP2.EXE");
 }
 
-TEST_F(AppTest, HelpEntryIsRemovedWithoutHelpFileAndEveryUnbuiltCommandIsDisabled) {
-    session.readConfiguration();
-    session.helpExists = false;
-    MainWindow& w = window();
-    EXPECT_EQ(w.action(command::Help), nullptr);
-    for (const CommandSpec& entry : commandTable()) {
-        if (entry.id == 0 || entry.built) continue;
-        QAction* act = w.action(entry.id);
-        ASSERT_NE(act, nullptr) << entry.id;
-        EXPECT_FALSE(act->isEnabled()) << entry.id;
-        w.runCommand(entry.id);   // an unbuilt command does nothing, even when dispatched
-    }
-    EXPECT_FALSE(w.carSet().document.dirty);
+QStringList entries(const QList<QAction*>& actions) {
+    QStringList out;
+    for (QAction* act : actions) out << (act->isSeparator() ? QString("-") : act->text());
+    return out;
 }
 
-TEST_F(AppTest, HelpEntryStaysWithHelpFile) {
+TEST_F(AppTest, MenuComesFromTheRegistryInItsOrderAndUnbuiltCommandsAreDisabled) {
     session.readConfiguration();
-    session.helpExists = true;
-    EXPECT_NE(window().action(command::Help), nullptr);
+    for (bool help : {false, true}) {
+        session.helpExists = help;
+        MainWindow w(session, asker);
+        EXPECT_EQ(w.action(command::Help) != nullptr, help);
+        const QList<QAction*> bar = w.menuBar()->actions();
+        EXPECT_EQ(entries(bar), (QStringList{"&File", "&Edit", "&Performance", "&Options", "&Window", "&Help"}));
+        EXPECT_EQ(entries(bar[0]->menu()->actions()),
+                  (QStringList{"&New", "&Open", "&Save", "Save &as...", "-", "A&utofile", "-", "&Car", "&Helmets",
+                               "C&ockpit", "&Team", "&Performance", "-", "E&xit"}));
+        const QStringList helpMenu = help ? QStringList{"&Help", "-", "About &car set...", "&About..."}
+                                          : QStringList{"About &car set...", "&About..."};
+        EXPECT_EQ(entries(bar[5]->menu()->actions()), helpMenu);
+        for (const Command* entry : w.commands().inMenuOrder()) {
+            if (entry->run || entry->menu.empty()) continue;
+            QAction* act = w.action(entry->id);
+            ASSERT_NE(act, nullptr) << entry->id;
+            EXPECT_FALSE(act->isEnabled()) << entry->id;
+            w.runCommand(entry->id);   // an unbuilt command does nothing, even when dispatched
+        }
+        EXPECT_FALSE(w.document().isDirty());
+    }
 }
 
 TEST_F(AppTest, InformationTextIsShownAtStartWhenAsked) {
@@ -182,10 +194,12 @@ TEST_F(AppTest, InformationTextIsShownAtStartWhenAsked) {
     // A set with information, saved and opened from the command line.
     {
         MainWindow& w = window();
-        w.carSet().hasInformation = true;
-        w.carSet().information = "Made for testing.";
+        change([](CarSet& set) {
+            set.hasInformation = true;
+            set.information = "Made for testing.";
+        });
         asker.files.push_back(path("INFO.GP2"));
-        ASSERT_TRUE(w.saveAs());
+        ASSERT_TRUE(saveCarSetFileAs(w.bench()));
     }
     MainWindow second(session, asker);
     second.startUp(path("INFO.GP2"));

@@ -3,6 +3,8 @@
 #include "shell/Asker.h"
 #include "shell/Session.h"
 
+#include "carset/GripForm.h"
+
 #include "game/GameLocation.h"
 
 #include <QCheckBox>
@@ -67,8 +69,12 @@ ConfigDialog::ConfigDialog(Session& session, Asker& asker, QWidget* parent)
         optionRows->addWidget(check);
         boxes_.push_back(check);
     }
-    lowGrip_ = new QRadioButton(" Grip Edit Range: 0 to 17016 ", options);
-    highGrip_ = new QRadioButton(" Grip Edit Range: 15751 to 32767 ", options);
+    auto gripCaption = [](bool high) {
+        const GripRange range = gripDisplayRange(high);
+        return QString(" Grip Edit Range: %1 to %2 ").arg(range.low).arg(range.high);
+    };
+    lowGrip_ = new QRadioButton(gripCaption(false), options);
+    highGrip_ = new QRadioButton(gripCaption(true), options);
     (config.highGrip ? highGrip_ : lowGrip_)->setChecked(true);
     optionRows->addWidget(lowGrip_);
     optionRows->addWidget(highGrip_);
@@ -117,6 +123,11 @@ void ConfigDialog::browse() {
     if (!chosen.isEmpty()) exe_->setText(chosen);
 }
 
+// The settings stay in force for this process even when the file cannot take them.
+void ConfigDialog::reportWrite(bool written) {
+    if (!written) asker_.message(this, Message{MessageId::CouldntWriteFile, session_.configPath.string()});
+}
+
 void ConfigDialog::accept() {
     const auto folder = gameFolderFromExecutable(exe_->text().toStdString());
     if (!folder) {
@@ -134,13 +145,13 @@ void ConfigDialog::accept() {
     config.launchCommand = launch_->text().toStdString();
     session_.detectGame();
     if (!session_.gameKnown()) asker_.message(this, Message{MessageId::UnsupportedVersion, {}});
-    session_.writeConfiguration();
+    reportWrite(session_.writeConfiguration());
     QDialog::accept();
 }
 
 void ConfigDialog::reject() {
     session_.config.gameFolder = rememberedFolder_;
-    session_.writeGameFolder(rememberedFolder_);
+    reportWrite(session_.writeGameFolder(rememberedFolder_));
     QDialog::reject();
 }
 

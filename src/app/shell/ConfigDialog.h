@@ -36,6 +36,7 @@ public slots:
 
 private:
     void showMosaic(int value);
+    void reportWrite(bool written);
 
     Session& session_;
     Asker& asker_;

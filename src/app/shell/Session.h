@@ -24,11 +24,11 @@ struct Session {
     // Reads the configuration file (missing keys take their defaults).
     void readConfiguration();
     // Writes every key the configuration dialog owns.
-    bool writeConfiguration() const;
+    [[nodiscard]] bool writeConfiguration() const;
     // Writes the game folder alone (the dialog's Cancel).
-    bool writeGameFolder(const std::string& folder) const;
-    bool writeAutoFile(const std::string& path) const;
-    bool removeAutoFile() const;
+    [[nodiscard]] bool writeGameFolder(const std::string& folder) const;
+    [[nodiscard]] bool writeAutoFile(const std::string& path) const;
+    [[nodiscard]] bool removeAutoFile() const;
 
     // Detects the release of the configured game and whether its state file
     // is valid; -1 without a game folder.

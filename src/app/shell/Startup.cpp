@@ -1,5 +1,6 @@
 #include "shell/Startup.h"
 
+#include "shell/Asker.h"
 #include "shell/MainWindow.h"
 #include "shell/Session.h"
 

@@ -1,4 +1,4 @@
-#include "shell/PictureWidgets.h"
+#include "graphics/PictureWidgets.h"
 
 #include "carset/CarSet.h"
 #include "graphics/Helmets.h"

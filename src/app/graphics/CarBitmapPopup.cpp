@@ -1,6 +1,6 @@
-#include "shell/CarBitmapPopup.h"
+#include "graphics/CarBitmapPopup.h"
 
-#include "shell/CommandTable.h"
+#include "shell/CommandIds.h"
 
 #include <QPushButton>
 #include <QVBoxLayout>

@@ -1,14 +1,9 @@
 #pragma once
-// The menu of the main window as data: every command with its id, the menu it
-// sits in, its text, whether this build carries it out, and whether the
-// toolbar shows it. The menu and the toolbar are built from this table alone.
+// The ids of the main window's commands. The numbers are the ones the menu has
+// always had; feature folders register what each one does (Command.h).
 
-#include <span>
-#include <string_view>
+namespace tarvel::command {
 
-namespace tarvel {
-
-namespace command {
 constexpr int NewCarSet = 6000, NewEditorWindow = 6047, Open = 6001, OpenInNewWindow = 6048, Save = 6002,
               SaveAs = 6003, AutofileSetAs = 6051, AutofileRemove = 6052, AutofileOpen = 6053, CarLoad = 6055,
               CarSaveAs = 6056, CarImport = 6057, CarExport = 6058, HelmetsLoad = 6004, HelmetsSaveAs = 6005,
@@ -23,26 +18,5 @@ constexpr int NewCarSet = 6000, NewEditorWindow = 6047, Open = 6001, OpenInNewWi
               CarSettings = 6043, ImportFromGame = 6007, ExportToGame = 6008, LaunchGame = 6045,
               CreateDosPatch = 6036, CarViewer = 6022, EditInformation = 6025, ProgramConfiguration = 6016,
               Help = 6018, AboutCarSet = 6026, About = 6017, CarPopupView = 1005;
-}  // namespace command
 
-enum class CommandGroup {
-    Always,        // enabled whenever built
-    NeedsFile,     // the set has a file
-    NeedsGame,     // the game's release is known
-    AboutCarSet,   // the set has a file and information
-    Autofile,      // managed by the Autofile rules
-};
-
-struct CommandSpec {
-    int id;                  // 0 = separator
-    std::string_view menu;   // submenu path, "&File|&New"
-    std::string_view text;   // the entry's text
-    bool built;              // false: shown disabled
-    CommandGroup group;
-    bool toolbar;
-};
-
-std::span<const CommandSpec> commandTable();
-const CommandSpec* findCommand(int id);
-
-}  // namespace tarvel
+}  // namespace tarvel::command

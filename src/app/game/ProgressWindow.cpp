@@ -1,4 +1,4 @@
-#include "shell/ProgressWindow.h"
+#include "game/ProgressWindow.h"
 
 #include <QApplication>
 #include <QGridLayout>

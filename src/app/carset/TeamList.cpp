@@ -1,4 +1,4 @@
-#include "shell/TeamList.h"
+#include "carset/TeamList.h"
 
 #include <QMouseEvent>
 #include <QPainter>

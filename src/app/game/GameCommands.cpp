@@ -1,0 +1,110 @@
+// The game: import and export of the whole sequence, starting the game, and
+// the entries of the editors whose data live in the game's files.
+
+#include "game/ProgressWindow.h"
+#include "shell/Command.h"
+#include "shell/CommandIds.h"
+#include "shell/Document.h"
+#include "shell/MainWindow.h"
+#include "shell/Session.h"
+#include "shell/Workbench.h"
+
+#include "common/FileIO.h"
+#include "game/GameLocation.h"
+#include "game/GameTransfer.h"
+
+#include <QProcess>
+
+#include <algorithm>
+#include <system_error>
+
+namespace tarvel {
+namespace {
+
+GameContext gameContext(const Session& session) {
+    return GameContext{session.config.gameFolder, session.gameVersion, session.config, session.workingFolder};
+}
+
+void importFromGame(Workbench& bench) {
+    Session& session = bench.session;
+    const GameContext context = gameContext(session);
+    session.detectStateFile();
+    Status status;
+    // The import marks the set dirty once it has read something; a refused
+    // import (a missing game file) leaves it as it was.
+    bench.document.edit(Document::Everything, [&](CarSet& set) {
+        selectAvailableTransferItems(set);
+        const bool wasDirty = set.document.dirty;
+        set.document.dirty = false;
+        {
+            // The modal progress window keeps every other command away meanwhile.
+            ProgressWindow progress("Importing...", &bench.window);
+            progress.show();
+            status = ImportFromGame(set, context, progress);
+        }
+        set.recountAssets();
+        const bool changed = set.document.dirty;
+        set.document.dirty = wasDirty || changed;
+        return changed;
+    });
+    showStatus(bench, status);
+}
+
+void exportToGame(Workbench& bench) {
+    Session& session = bench.session;
+    const GameContext context = gameContext(session);
+    session.detectStateFile();
+    std::vector<Message> notices;
+    Status status;
+    bench.document.edit(0, [&](CarSet& set) {
+        selectAvailableTransferItems(set);
+        ProgressWindow progress("Exporting...", &bench.window);
+        progress.show();
+        status = ExportToGame(set, context, progress, &notices);
+        return false;
+    });
+    showStatus(bench, status);
+    for (const Message& notice : notices) showMessage(bench, notice);
+}
+
+void launchGame(Workbench& bench) {
+    const Session& session = bench.session;
+    const std::filesystem::path folder(session.config.gameFolder);
+    const std::filesystem::path exe = gameFilePath(folder, "GP2.EXE");
+    const QString line = QString::fromStdString(gameLaunchCommandLine(session.config.launchCommand, exe));
+    QStringList parts = QProcess::splitCommand(line);
+    std::error_code ec;
+    if (parts.isEmpty() || !std::filesystem::is_directory(folder, ec)) {
+        showMessage(bench, Message{MessageId::FailedToStartGp2, {}});
+        return;
+    }
+    const QString program = parts.takeFirst();
+    if (!bench.window.startProcess(program, parts, QString::fromStdString(folder.string())))
+        showMessage(bench, Message{MessageId::FailedToStartGp2, {}});
+}
+
+}  // namespace
+
+void addGameCommands(Workbench& bench) {
+    namespace c = command;
+    CommandRegistry& r = bench.commands;
+    Workbench* b = &bench;
+    auto gameKnown = [b] { return b->session.gameKnown(); };
+
+    r.add({.id = c::OnboardCameras, .order = 211, .menu = "&Edit", .text = "&Onboard Cameras"});
+    r.add({.id = c::ChampionshipPoints, .order = 212, .menu = "&Edit", .text = "Championship &points"});
+    r.add({.id = c::NumberOfLaps, .order = 213, .menu = "&Edit", .text = "Number of &laps"});
+    r.add({.id = c::GameSettings, .order = 214, .menu = "&Edit", .text = "&Game settings"});
+    r.add({.id = c::CarSettings, .order = 305, .menu = "&Performance", .text = "Car &settings"});
+
+    r.add({.id = c::ImportFromGame, .order = 400, .menu = "&Options", .text = "&Import from game",
+           .run = [b] { importFromGame(*b); }, .enabled = gameKnown, .icon = QStyle::SP_ArrowDown});
+    r.add({.id = c::ExportToGame, .order = 401, .menu = "&Options", .text = "&Export to game",
+           .run = [b] { exportToGame(*b); }, .enabled = gameKnown, .icon = QStyle::SP_ArrowUp});
+    r.add({.id = c::LaunchGame, .order = 402, .menu = "&Options", .text = "&Launch Grandprix2",
+           .run = [b] { launchGame(*b); }, .enabled = gameKnown, .icon = QStyle::SP_MediaPlay});
+    r.add({.id = c::CreateDosPatch, .order = 403, .menu = "&Options", .text = "Create &DOS patch",
+           .enabled = gameKnown});
+}
+
+}  // namespace tarvel

@@ -1,0 +1,110 @@
+#pragma once
+// The document of one editor window: the car set, the file it came from, its
+// dirty flag, the team on show, the Autofile and the one-step livery undo.
+// Every change to the car set goes through edit(), so the window and every
+// editor stay in step through the changed() signal.
+
+#include "carset/CarSet.h"
+#include "carset/CarSetFile.h"
+#include "common/Result.h"
+
+#include <QObject>
+#include <QString>
+
+#include <memory>
+#include <optional>
+#include <type_traits>
+#include <vector>
+
+namespace tarvel {
+
+struct Session;
+
+class Document : public QObject {
+    Q_OBJECT
+public:
+    // What a change touched, so that views redraw only their part.
+    enum Change : unsigned {
+        Teams = 1u << 0,       // team names, performance, flags
+        Drivers = 1u << 1,     // driver records and seats
+        Livery = 1u << 2,      // the liveries
+        Helmets = 1u << 3,     // the helmet sheet
+        File = 1u << 4,        // path, dirty flag, title, asset counts
+        CurrentTeam = 1u << 5,
+        Autofile = 1u << 6,
+        Everything = ~0u,
+    };
+
+    explicit Document(Session& session, QObject* parent = nullptr);
+    ~Document() override;
+
+    const CarSet& set() const { return *set_; }
+    Session& session() const { return session_; }
+
+    // Runs `change` on the car set. When it reports a change (true, or a
+    // successful Status) the set is marked dirty and changed(what | File) is
+    // emitted. Returns what `change` returned.
+    template <class F>
+    auto edit(unsigned what, F&& change) -> std::invoke_result_t<F, CarSet&> {
+        auto result = change(*set_);
+        if (succeeded(result)) markChanged(what);
+        return result;
+    }
+    // Marks the set dirty after a change made elsewhere through edit's
+    // reference (the import of a whole game).
+    void markChanged(unsigned what);
+
+    // File state.
+    bool hasFile() const;
+    bool isDirty() const;
+    QString path() const;
+    QString title() const;
+    Message saveChangesQuestion() const;
+    CarSetFileOptions fileOptions() const;
+
+    // The team on show (0-13).
+    int currentTeam() const;
+    void setCurrentTeam(int team);
+
+    // Loading and saving. A failed load leaves the document as it was; the
+    // notices a load leaves (a newer version) come first in `notices`.
+    Status load(const QString& path, std::vector<Message>* notices);
+    Status saveTo(const QString& path);
+    // A new set from the editor defaults.
+    void reset();
+
+    // Autofile: the set opened at start-up, kept in the configuration.
+    QString autofile() const;
+    bool autofileLive() const { return autofileLive_; }
+    void setAutofileLive(bool live);
+    bool setOpenFileAsAutofile();
+    bool removeAutofile();
+
+    // The one-step undo of the last livery change of a team.
+    void rememberLivery();
+    void forgetLivery();
+    bool canUndoLivery() const;
+    void undoLivery();
+
+signals:
+    void changed(unsigned what);
+
+private:
+    static bool succeeded(bool changed) { return changed; }
+    template <class T>
+    static bool succeeded(const Result<T>& result) { return result.has_value(); }
+    void afterFileChange();
+
+    struct LiveryUndo {
+        int team = 0;
+        std::vector<std::uint8_t> pixels;
+        AssetSlot slot;
+    };
+
+    Session& session_;
+    std::unique_ptr<CarSet> set_;
+    bool autofileLive_ = false;
+    std::optional<LiveryUndo> liveryUndo_;
+};
+
+}  // namespace tarvel
