@@ -4,8 +4,8 @@
 #include "AppTestSupport.h"
 
 #include "carset/CarSetFile.h"
-#include "shell/CommandIds.h"
 #include "carset/TeamList.h"
+#include "shell/CommandIds.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -18,13 +18,6 @@
 namespace tarvel::test {
 namespace {
 
-void renameTeam(MainWindow& w, const QString& name) {
-    w.panel().teamName()->selectAll();
-    QTest::keyClicks(w.panel().teamName(), name);
-}
-
-std::string teamName(MainWindow& w, int team) { return fieldText(w.document().set().team(team).name); }
-
 class DocumentTest : public AppTest {
 protected:
     void SetUp() override {
@@ -32,325 +25,254 @@ protected:
         window().startUp({});
         ASSERT_EQ(asker.configureCalls, 0);
     }
-    // A saved set named NAME.GP2 whose first team is called "Saved".
+    void renameTeam(const QString& name) {
+        panel().teamName()->selectAll();
+        QTest::keyClicks(panel().teamName(), name);
+    }
+    std::string teamName() { return fieldText(set().team(0).name); }
+    // A saved set named NAME whose first team is called "Saved".
     void saveNamed(const std::string& name) {
-        renameTeam(window(), "Saved");
+        renameTeam("Saved");
         asker.files.push_back(path(name));
         ASSERT_TRUE(saveCarSetFileAs(window().bench()));
         ASSERT_FALSE(window().document().isDirty());
     }
+    std::string savedTeamName(const std::string& name) {
+        CarSet reread;
+        EXPECT_TRUE(loadCarSet(reread, folder() / name, CarSetFileOptions{}));
+        return fieldText(reread.team(0).name);
+    }
+    void writeJunk(const std::string& name) {
+        std::ofstream(folder() / name) << "this is not a car set at all, just some text that is long enough";
+    }
 };
 
-TEST_F(DocumentTest, TitleCarriesFileNameAndNonZeroAssetCountsInOrder) {
+TEST_F(DocumentTest, EditsMarkTheSetDirtyAndTheTitleFollows) {
     saveNamed("NAME.GP2");
-    MainWindow& w = window();
-    EXPECT_EQ(w.windowTitle().toStdString(), "Tarvel-32 v1.86 - [ NAME.GP2 ]");
+    EXPECT_EQ(window().windowTitle().toStdString(), "Tarvel-32 v1.86 - [ NAME.GP2 ]");
+    renameTeam(QString::fromUtf8("Équipe"));
+    EXPECT_TRUE(window().document().isDirty());
+    EXPECT_EQ(teamName(), std::string("\xC9quipe"));   // Windows-1252 in the model
+    EXPECT_EQ(panel().teamList()->item(0)->text(), QString::fromUtf8("Équipe"));
     change([](CarSet& s) {
         s.wheelCount = 4;
         s.jamCount = 12;
     });
-    EXPECT_EQ(w.windowTitle().toStdString(), "Tarvel-32 v1.86 - [ NAME.GP2 ] - W(4) - J(12)");
-    change([](CarSet& s) {
-        s.soundCount = 3;
-        s.cockpitCount = 1;
-        s.menuHelmetCount = 28;
-    });
-    EXPECT_EQ(w.windowTitle().toStdString(),
-              "Tarvel-32 v1.86 - [ NAME.GP2 ] - W(4) - C(1) - J(12) - H(28) - S(3)");
+    EXPECT_EQ(window().windowTitle().toStdString(), "Tarvel-32 v1.86 - [ NAME.GP2 ] - W(4) - J(12)");
 }
 
-TEST_F(DocumentTest, EditsMarkTheSetDirty) {
-    EXPECT_FALSE(window().document().isDirty());
-    renameTeam(window(), "Edited");
-    EXPECT_TRUE(window().document().isDirty());
-    EXPECT_EQ(teamName(window(), 0), "Edited");
-    EXPECT_EQ(panel().teamList()->item(0)->text(), "Edited");
-}
-
-TEST_F(DocumentTest, NamesCrossTheWindowAsWindows1252) {
-    renameTeam(window(), QString::fromUtf8("Équipe"));
-    EXPECT_EQ(teamName(window(), 0), std::string("\xC9quipe"));
-}
-
-TEST_F(DocumentTest, SaveOnANeverSavedSetActsAsSaveAs) {
-    renameTeam(window(), "Fresh");
+TEST_F(DocumentTest, SaveWithoutAFileIsSaveAsAndSaveAsAsksBeforeReplacing) {
+    renameTeam("Fresh");
     asker.files.push_back(path("FRESH.GP2"));
     EXPECT_FALSE(window().action(command::Save)->isEnabled());
     EXPECT_TRUE(saveCarSetFile(window().bench()));
-    ASSERT_EQ(asker.fileTitles.size(), 1u);
-    EXPECT_EQ(asker.fileTitles[0], "Save Car Set As...");
-    EXPECT_TRUE(std::filesystem::exists(folder() / "FRESH.GP2"));
+    EXPECT_EQ(asker.fileTitles, std::vector<QString>{"Save Car Set As..."});
     EXPECT_TRUE(window().document().hasFile());
     EXPECT_FALSE(window().document().isDirty());
     EXPECT_TRUE(window().action(command::Save)->isEnabled());
     // The second Save writes over the file without asking.
-    renameTeam(window(), "Again");
+    renameTeam("Again");
     window().runCommand(command::Save);
     EXPECT_EQ(asker.fileTitles.size(), 1u);
-    CarSet reread;
-    ASSERT_TRUE(loadCarSet(reread, folder() / "FRESH.GP2", CarSetFileOptions{}));
-    EXPECT_EQ(fieldText(reread.team(0).name), "Again");
+    EXPECT_EQ(savedTeamName("FRESH.GP2"), "Again");
+
+    for (Answer answer : {Answer::No, Answer::Yes}) {
+        asker.files.push_back(path("FRESH.GP2"));
+        asker.answers.push_back(answer);
+        renameTeam(answer == Answer::Yes ? "Replaced" : "Kept");
+        EXPECT_EQ(saveCarSetFileAs(window().bench()), answer == Answer::Yes);
+        EXPECT_EQ(asker.ids.back(), MessageId::ReplaceExistingFile);
+    }
+    EXPECT_EQ(savedTeamName("FRESH.GP2"), "Replaced");
 }
 
-TEST_F(DocumentTest, SaveAsOntoAnExistingFileAsksFirst) {
-    std::ofstream(folder() / "TAKEN.GP2") << "old";
-    asker.files.push_back(path("TAKEN.GP2"));
-    asker.answers.push_back(Answer::No);
-    EXPECT_FALSE(saveCarSetFileAs(window().bench()));
-    EXPECT_TRUE(asker.shown(MessageId::ReplaceExistingFile));
-    EXPECT_FALSE(window().document().hasFile());
-    asker.files.push_back(path("TAKEN.GP2"));
-    asker.answers.push_back(Answer::Yes);
-    EXPECT_TRUE(saveCarSetFileAs(window().bench()));
-    CarSet reread;
-    EXPECT_TRUE(loadCarSet(reread, folder() / "TAKEN.GP2", CarSetFileOptions{}));
-}
-
-TEST_F(DocumentTest, NewAsksWithTheUpperCasedFileTitle) {
-    saveNamed("mixed.gp2");
-    renameTeam(window(), "Changed");
-    asker.answers.push_back(Answer::Cancel);
-    window().runCommand(command::NewCarSet);
-    EXPECT_EQ(asker.lastText(), "Save Changes to MIXED.GP2?");
-    EXPECT_EQ(teamName(window(), 0), "Changed");
-    EXPECT_TRUE(window().document().isDirty());
-}
-
-TEST_F(DocumentTest, NewWithNoAnswerDropsTheChanges) {
-    renameTeam(window(), "Changed");
-    asker.answers.push_back(Answer::No);
-    window().runCommand(command::NewCarSet);
-    EXPECT_EQ(asker.lastText(), "Save Changes to Car Set?");
-    EXPECT_EQ(teamName(window(), 0), "Team Name");
-    EXPECT_FALSE(window().document().isDirty());
-    EXPECT_FALSE(window().document().hasFile());
-}
-
-TEST_F(DocumentTest, NewWithYesSavesFirst) {
-    saveNamed("KEEP.GP2");
-    renameTeam(window(), "Kept");
-    asker.answers.push_back(Answer::Yes);
-    window().runCommand(command::NewCarSet);
-    EXPECT_EQ(teamName(window(), 0), "Team Name");
-    CarSet reread;
-    ASSERT_TRUE(loadCarSet(reread, folder() / "KEEP.GP2", CarSetFileOptions{}));
-    EXPECT_EQ(fieldText(reread.team(0).name), "Kept");
-}
-
-TEST_F(DocumentTest, NewWithYesOnAnUnnamedSetWhoseSaveIsCancelledStops) {
-    renameTeam(window(), "Unnamed");
-    asker.answers.push_back(Answer::Yes);   // save, but the file dialog is cancelled
-    window().runCommand(command::NewCarSet);
-    EXPECT_EQ(teamName(window(), 0), "Unnamed");
+TEST_F(DocumentTest, NewAsksAboutChangesAndHonoursEveryAnswer) {
+    struct Case {
+        const char* file;   // saved under this name first, or never saved
+        Answer answer;
+        const char* question;
+        bool cleared;       // New went ahead
+    };
+    const Case cases[] = {
+        {"cancel.gp2", Answer::Cancel, "Save Changes to CANCEL.GP2?", false},
+        {nullptr, Answer::No, "Save Changes to Car Set?", true},
+        {"yes.gp2", Answer::Yes, "Save Changes to YES.GP2?", true},
+        // Yes on a set without a file: Save as, whose dialog is cancelled, stops New.
+        {nullptr, Answer::Yes, "Save Changes to Car Set?", false},
+    };
+    for (const Case& c : cases) {
+        asker.answers.push_back(Answer::No);   // leave a clean, unnamed set from the case before
+        window().runCommand(command::NewCarSet);
+        asker.answers.clear();
+        if (c.file) saveNamed(c.file);
+        renameTeam("Changed");
+        asker.answers.push_back(c.answer);
+        window().runCommand(command::NewCarSet);
+        EXPECT_EQ(asker.lastText(), c.question);
+        EXPECT_EQ(teamName(), c.cleared ? "Team Name" : "Changed") << c.question;
+        EXPECT_EQ(window().document().isDirty(), !c.cleared);
+        if (c.answer == Answer::Yes && c.file) EXPECT_EQ(savedTeamName(c.file), "Changed");
+    }
 }
 
 TEST_F(DocumentTest, OpenAsksAndHonoursEveryAnswer) {
     saveNamed("OTHER.GP2");
-    // Cancel: no file dialog, nothing changes.
-    renameTeam(window(), "Dirty");
+    renameTeam("Dirty");
     asker.answers.push_back(Answer::Cancel);
     window().runCommand(command::Open);
-    EXPECT_TRUE(asker.fileTitles.size() == 1u);   // only the Save as of saveNamed
-    EXPECT_EQ(teamName(window(), 0), "Dirty");
-    // No: the file is opened and the change is gone.
+    EXPECT_EQ(asker.fileTitles.size(), 1u);   // only the Save as of saveNamed
+    EXPECT_EQ(teamName(), "Dirty");
     asker.answers.push_back(Answer::No);
     asker.files.push_back(path("OTHER.GP2"));
     window().runCommand(command::Open);
     EXPECT_EQ(asker.fileTitles.back(), "Open Car Set");
-    EXPECT_EQ(teamName(window(), 0), "Saved");
-    EXPECT_FALSE(window().document().isDirty());
+    EXPECT_EQ(teamName(), "Saved");
     // Yes: saved into OTHER.GP2, then OTHER.GP2 opened again.
-    renameTeam(window(), "Yes");
+    renameTeam("Yes");
     asker.answers.push_back(Answer::Yes);
     asker.files.push_back(path("OTHER.GP2"));
     window().runCommand(command::Open);
-    EXPECT_EQ(teamName(window(), 0), "Yes");
+    EXPECT_EQ(teamName(), "Yes");
     EXPECT_FALSE(window().document().isDirty());
-}
-
-TEST_F(DocumentTest, CloseAsksAndCancelKeepsTheWindow) {
-    renameTeam(window(), "Open");
-    asker.answers.push_back(Answer::Cancel);
-    QCloseEvent cancelled;
-    QApplication::sendEvent(&window(), &cancelled);
-    EXPECT_FALSE(cancelled.isAccepted());
-    asker.answers.push_back(Answer::No);
-    QCloseEvent dropped;
-    QApplication::sendEvent(&window(), &dropped);
-    EXPECT_TRUE(dropped.isAccepted());
-    asker.answers.push_back(Answer::Yes);
-    asker.files.push_back(path("CLOSE.GP2"));
-    QCloseEvent saved;
-    QApplication::sendEvent(&window(), &saved);
-    EXPECT_TRUE(saved.isAccepted());
-    EXPECT_TRUE(std::filesystem::exists(folder() / "CLOSE.GP2"));
-}
-
-TEST_F(DocumentTest, CleanSetClosesWithoutQuestion) {
-    QCloseEvent event;
-    QApplication::sendEvent(&window(), &event);
-    EXPECT_TRUE(event.isAccepted());
-    EXPECT_TRUE(asker.texts.empty());
-}
-
-TEST_F(DocumentTest, OpeningAFileThatIsNotACarSetLeavesTheSetAsItWas) {
-    std::ofstream(folder() / "JUNK.GP2") << "this is not a car set at all, just some text that is long enough";
-    renameTeam(window(), "Mine");
+    // A file that is not a car set leaves the set as it was.
+    writeJunk("JUNK.GP2");
+    renameTeam("Mine");
     asker.answers.push_back(Answer::No);
     asker.files.push_back(path("JUNK.GP2"));
     window().runCommand(command::Open);
-    ASSERT_FALSE(asker.ids.empty());
     EXPECT_EQ(asker.ids.back(), MessageId::NotValidCarSet);
-    EXPECT_EQ(teamName(window(), 0), "Mine");
-    EXPECT_FALSE(window().document().hasFile());
+    EXPECT_EQ(teamName(), "Mine");
 }
 
-TEST_F(DocumentTest, OpenInNewWindowChecksTheFileFirst) {
-    std::ofstream(folder() / "JUNK.GP2") << "this is not a car set at all, just some text that is long enough";
-    asker.files.push_back(path("JUNK.GP2"));
-    window().runCommand(command::OpenInNewWindow);
-    EXPECT_EQ(asker.lastText(), "File is not a valid Tarvel Car Set.");
-    EXPECT_TRUE(started.empty());
-
-    saveNamed("GOOD.GP2");
-    asker.files.push_back(path("GOOD.GP2"));
-    window().runCommand(command::OpenInNewWindow);
-    ASSERT_EQ(started.size(), 1u);
-    EXPECT_EQ(started[0].arguments, QStringList{path("GOOD.GP2")});
-
-    startSucceeds = false;
-    asker.files.push_back(path("GOOD.GP2"));
-    window().runCommand(command::OpenInNewWindow);
-    EXPECT_EQ(asker.lastText(), "Failed to launch new editor window.");
+TEST_F(DocumentTest, CloseAsksOnlyForADirtySet) {
+    QCloseEvent clean;
+    QApplication::sendEvent(&window(), &clean);
+    EXPECT_TRUE(clean.isAccepted());
+    EXPECT_TRUE(asker.texts.empty());
+    renameTeam("Open");
+    for (Answer answer : {Answer::Cancel, Answer::No, Answer::Yes}) {
+        asker.answers.push_back(answer);
+        if (answer == Answer::Yes) asker.files.push_back(path("CLOSE.GP2"));
+        QCloseEvent event;
+        QApplication::sendEvent(&window(), &event);
+        EXPECT_EQ(event.isAccepted(), answer != Answer::Cancel);
+    }
+    EXPECT_EQ(savedTeamName("CLOSE.GP2"), "Open");
 }
 
-TEST_F(DocumentTest, NewEditorWindowStartsTheProgramWithoutArguments) {
+TEST_F(DocumentTest, NewWindowsStartTheProgramAndOpenInNewWindowChecksTheFile) {
     window().runCommand(command::NewEditorWindow);
     ASSERT_EQ(started.size(), 1u);
     EXPECT_TRUE(started[0].arguments.isEmpty());
     EXPECT_EQ(started[0].program, window().programPath());
+
+    writeJunk("JUNK.GP2");
+    asker.files.push_back(path("JUNK.GP2"));
+    window().runCommand(command::OpenInNewWindow);
+    EXPECT_EQ(asker.lastText(), "File is not a valid Tarvel Car Set.");
+    EXPECT_EQ(started.size(), 1u);
+
+    saveNamed("GOOD.GP2");
+    asker.files.push_back(path("GOOD.GP2"));
+    window().runCommand(command::OpenInNewWindow);
+    ASSERT_EQ(started.size(), 2u);
+    EXPECT_EQ(started[1].arguments, QStringList{path("GOOD.GP2")});
+
     startSucceeds = false;
-    window().runCommand(command::NewEditorWindow);
-    EXPECT_EQ(asker.lastText(), "Failed to launch new editor window.");
+    for (int id : {command::NewEditorWindow, command::OpenInNewWindow}) {
+        asker.files.push_back(path("GOOD.GP2"));
+        window().runCommand(id);
+        EXPECT_EQ(asker.lastText(), "Failed to launch new editor window.");
+    }
 }
 
-TEST_F(DocumentTest, AutofileEntriesFollowTheDocument) {
+TEST_F(DocumentTest, AutofileEntriesFollowTheDocumentAndTheConfiguration) {
     MainWindow& w = window();
     QAction* setAs = w.action(command::AutofileSetAs);
     QAction* remove = w.action(command::AutofileRemove);
     QAction* third = w.action(command::AutofileOpen);
-    EXPECT_FALSE(setAs->isEnabled());
-    EXPECT_FALSE(remove->isEnabled());
-    EXPECT_EQ(third->text(), "None...");
-    EXPECT_FALSE(third->isEnabled());
-
+    auto expectEntries = [&](bool setAsOn, bool removeOn, const QString& thirdText) {
+        EXPECT_EQ(setAs->isEnabled(), setAsOn);
+        EXPECT_EQ(remove->isEnabled(), removeOn);
+        EXPECT_EQ(third->text(), thirdText);
+        EXPECT_EQ(third->isEnabled(), removeOn);
+    };
+    expectEntries(false, false, "None...");
     saveNamed("AUTO.GP2");
-    EXPECT_TRUE(setAs->isEnabled());
     w.runCommand(command::AutofileSetAs);
-    EXPECT_TRUE(remove->isEnabled());
-    EXPECT_EQ(third->text(), "AUTO.GP2");
-    EXPECT_TRUE(third->isEnabled());
+    expectEntries(true, true, "AUTO.GP2");
     Session reread;
     reread.configPath = session.configPath;
     reread.readConfiguration();
     EXPECT_EQ(reread.config.autoFile, (folder() / "AUTO.GP2").string());
 
+    // Opening it asks about changes first.
+    renameTeam("Unsaved");
+    asker.answers.push_back(Answer::Cancel);
+    w.runCommand(command::AutofileOpen);
+    EXPECT_EQ(teamName(), "Unsaved");
+    asker.answers.push_back(Answer::No);
+    w.runCommand(command::AutofileOpen);
+    EXPECT_EQ(teamName(), "Saved");
+
     w.runCommand(command::AutofileRemove);
-    EXPECT_FALSE(remove->isEnabled());
-    EXPECT_TRUE(setAs->isEnabled());   // the set still has a file
-    EXPECT_EQ(third->text(), "None...");
-    EXPECT_FALSE(third->isEnabled());
+    expectEntries(true, false, "None...");
     reread.readConfiguration();
     EXPECT_TRUE(reread.config.autoFile.empty());
-}
+    // Without a file open, Set as stays off.
+    w.runCommand(command::NewCarSet);
+    expectEntries(false, false, "None...");
 
-TEST_F(DocumentTest, RemovingTheAutofileWithNoFileOpenLeavesSetAsDisabled) {
-    saveNamed("AUTO.GP2");
-    window().runCommand(command::AutofileSetAs);
-    window().runCommand(command::NewCarSet);   // clean: no question
-    window().runCommand(command::AutofileRemove);
-    EXPECT_FALSE(window().action(command::AutofileSetAs)->isEnabled());
-    EXPECT_FALSE(window().action(command::AutofileRemove)->isEnabled());
-}
-
-TEST_F(DocumentTest, AutofileOpenAsksAboutChangesAndReportsAMissingFile) {
-    saveNamed("AUTO.GP2");
-    window().runCommand(command::AutofileSetAs);
-    renameTeam(window(), "Unsaved");
-    asker.answers.push_back(Answer::Cancel);
-    window().runCommand(command::AutofileOpen);
-    EXPECT_EQ(teamName(window(), 0), "Unsaved");
-    asker.answers.push_back(Answer::No);
-    window().runCommand(command::AutofileOpen);
-    EXPECT_EQ(teamName(window(), 0), "Saved");
-    // Yes saves into the open file (the Autofile itself), which is then read again.
-    renameTeam(window(), "Resaved");
-    asker.answers.push_back(Answer::Yes);
-    window().runCommand(command::AutofileOpen);
-    EXPECT_EQ(teamName(window(), 0), "Resaved");
-    EXPECT_FALSE(window().document().isDirty());
-    EXPECT_TRUE(asker.answers.empty());
-
+    // An Autofile that has gone greys the entries when it is opened.
+    w.runCommand(command::Open);   // no file chosen
+    asker.files.push_back(path("AUTO.GP2"));
+    w.runCommand(command::Open);
+    w.runCommand(command::AutofileSetAs);
     std::filesystem::remove(folder() / "AUTO.GP2");
-    window().runCommand(command::AutofileOpen);
+    w.runCommand(command::AutofileOpen);
     EXPECT_TRUE(asker.shown(MessageId::CouldntOpenCarSetFile));
-    EXPECT_FALSE(window().action(command::AutofileRemove)->isEnabled());
-    EXPECT_EQ(window().action(command::AutofileOpen)->text(), "None...");
-    EXPECT_FALSE(window().action(command::AutofileOpen)->isEnabled());
+    expectEntries(true, false, "None...");
 }
 
 TEST_F(AppTest, StartUpOpensTheAutofileUnlessACarSetWasNamedAndOpened) {
     const std::string game = configureGame();
-    {
-        MainWindow& w = window();
-        renameTeam(w, "AutoTeam");
-        asker.files.push_back(path("AUTO.GP2"));
-        ASSERT_TRUE(saveCarSetFileAs(w.bench()));
-        renameTeam(w, "Named");
-        asker.files.push_back(path("NAMED.GP2"));
-        ASSERT_TRUE(saveCarSetFileAs(w.bench()));
+    for (const char* name : {"AUTO.GP2", "NAMED.GP2"}) {
+        change([&](CarSet& s) { setFieldText(s.team(0).name, name); });
+        asker.files.push_back(path(name));
+        ASSERT_TRUE(saveCarSetFileAs(window().bench()));
     }
     writeConfig("[Files]\nLocate GP2.EXE=" + game + "\nAutoFile=" + (folder() / "AUTO.GP2").string() + "\n");
-    MainWindow automatic(session, asker);
-    automatic.startUp({});
-    EXPECT_EQ(fieldText(automatic.document().set().team(0).name), "AutoTeam");
-    EXPECT_TRUE(automatic.action(command::AutofileRemove)->isEnabled());
-    EXPECT_EQ(automatic.action(command::AutofileOpen)->text(), "AUTO.GP2");
-
-    MainWindow named(session, asker);
-    named.startUp(path("NAMED.GP2"));
-    EXPECT_EQ(fieldText(named.document().set().team(0).name), "Named");
-    EXPECT_TRUE(named.action(command::AutofileRemove)->isEnabled());
-    EXPECT_EQ(named.action(command::AutofileOpen)->text(), "AUTO.GP2");
-    EXPECT_FALSE(asker.shown(MessageId::CouldntOpenCarSetFile));
-
+    struct Case {
+        const char* commandLine;
+        const char* opened;
+    };
     // A named set that fails to open falls back to the Autofile.
-    MainWindow fallback(session, asker);
-    fallback.startUp(path("NOSUCH.GP2"));
-    EXPECT_TRUE(asker.shown(MessageId::CouldntOpenCarSetFile));
-    EXPECT_EQ(fieldText(fallback.document().set().team(0).name), "AutoTeam");
-    EXPECT_EQ(fallback.windowTitle().toStdString(), "Tarvel-32 v1.86 - [ AUTO.GP2 ]");
-}
-
-TEST_F(AppTest, StartUpWithABrokenAutofileGreysItsEntries) {
-    const std::string game = configureGame();
+    for (const Case& c : {Case{"", "AUTO.GP2"}, Case{"NAMED.GP2", "NAMED.GP2"}, Case{"NOSUCH.GP2", "AUTO.GP2"}}) {
+        asker.ids.clear();
+        MainWindow w(session, asker);
+        w.startUp(*c.commandLine ? path(c.commandLine) : QString());
+        EXPECT_EQ(fieldText(w.document().set().team(0).name), c.opened);
+        EXPECT_TRUE(w.action(command::AutofileRemove)->isEnabled());
+        EXPECT_EQ(w.action(command::AutofileOpen)->text(), "AUTO.GP2");
+        EXPECT_EQ(asker.shown(MessageId::CouldntOpenCarSetFile), std::string(c.commandLine) == "NOSUCH.GP2");
+    }
     writeConfig("[Files]\nLocate GP2.EXE=" + game + "\nAutoFile=" + (folder() / "GONE.GP2").string() + "\n");
-    window().startUp({});
-    EXPECT_TRUE(asker.shown(MessageId::CouldntOpenCarSetFile));
-    EXPECT_FALSE(window().action(command::AutofileRemove)->isEnabled());
-    EXPECT_EQ(window().action(command::AutofileOpen)->text(), "None...");
+    MainWindow broken(session, asker);
+    broken.startUp({});
+    EXPECT_FALSE(broken.action(command::AutofileRemove)->isEnabled());
+    EXPECT_EQ(broken.action(command::AutofileOpen)->text(), "None...");
 }
 
 TEST_F(DocumentTest, DroppingACarSetOpensIt) {
     saveNamed("DROP.GP2");
     window().runCommand(command::NewCarSet);
-    renameTeam(window(), "Unsaved");
+    renameTeam("Unsaved");
     asker.answers.push_back(Answer::Cancel);
     EXPECT_FALSE(window().openDropped({QUrl::fromLocalFile(path("DROP.GP2"))}));
-    EXPECT_EQ(teamName(window(), 0), "Unsaved");
+    EXPECT_EQ(teamName(), "Unsaved");
     asker.answers.push_back(Answer::No);
     EXPECT_TRUE(window().openDropped({QUrl::fromLocalFile(path("DROP.GP2"))}));
-    EXPECT_EQ(teamName(window(), 0), "Saved");
+    EXPECT_EQ(teamName(), "Saved");
     EXPECT_TRUE(window().document().hasFile());
 }
 
