@@ -83,6 +83,11 @@ constexpr Entry kMessages[] = {
     {M::RangePositiveInteger, K::Error, "Enter positive integer 0 to 32767."},
     {M::InvalidField, K::Error, "Invalid value for %s."},
     {M::CouldntWriteFile, K::Error, "Couldn't Write File - %s."},
+    {M::CouldntBackUpGame, K::Error, "Couldn't Back Up Game Files - %s."},
+    {M::NoBackups, K::Error, "This Game Folder Has No Backups."},
+    {M::BackupNotFound, K::Error, "No Backup %s of This Game Folder."},
+    {M::BackupIncomplete, K::Error, "Backup %s Is Incomplete: Nothing Was Restored."},
+    {M::BackupAltered, K::Error, "Backup Copy Altered - %s: Nothing Was Restored."},
 };
 
 const Entry* find(MessageId id) {

@@ -83,6 +83,12 @@ enum class MessageId : int {
     // Command line only.
     InvalidField,               // "Invalid value for %s."
     CouldntWriteFile,           // "Couldn't Write File - %s."
+    // Game backups.
+    CouldntBackUpGame,          // "Couldn't Back Up Game Files - %s."
+    NoBackups,
+    BackupNotFound,
+    BackupIncomplete,
+    BackupAltered,
     Count_
 };
 
