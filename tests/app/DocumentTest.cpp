@@ -111,7 +111,9 @@ TEST_F(DocumentTest, NewAsksAboutChangesAndHonoursEveryAnswer) {
         EXPECT_EQ(asker.lastText(), c.question);
         EXPECT_EQ(teamName(), c.cleared ? "Team Name" : "Changed") << c.question;
         EXPECT_EQ(window().document().isDirty(), !c.cleared);
-        if (c.answer == Answer::Yes && c.file) EXPECT_EQ(savedTeamName(c.file), "Changed");
+        if (c.answer == Answer::Yes && c.file) {
+            EXPECT_EQ(savedTeamName(c.file), "Changed");
+        }
     }
 }
 

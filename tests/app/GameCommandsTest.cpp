@@ -9,11 +9,14 @@
 #include "graphics/CarBitmapPopup.h"
 #include "shell/CommandIds.h"
 #include "game/ProgressWindow.h"
+#include "game/RestoreDialog.h"
+#include "game/GameBackup.h"
 #include "shell/Startup.h"
 
 #include "carset/WorkingFolder.h"
 
 #include <QPushButton>
+#include <QTreeWidget>
 #include <QTest>
 #include <QTimer>
 
@@ -124,6 +127,28 @@ TEST_F(GameCommandsTest, GameCommandsAreOffWhileTheReleaseIsUnknown) {
     window().runCommand(command::ExportToGame);
     EXPECT_TRUE(started.empty());
     EXPECT_TRUE(asker.texts.empty());
+}
+
+TEST_F(GameCommandsTest, RestoreDialogListsTheBackupsAndPutsTheChosenOneBack) {
+    session.backupsRoot = folder() / "backups";
+    const std::filesystem::path exe = gameFileOfItem(0);
+    const Bytes original = readFileBytes(exe);
+    ASSERT_TRUE(BackUpGameFiles(session.backupsRoot, game, {"GP2.EXE"}, 1'000'000'000));
+    writeFileBytes(exe, Bytes(original.size(), 0));   // no longer a release the editor knows
+
+    RestoreDialog dialog(window().bench());
+    ASSERT_EQ(dialog.list()->topLevelItemCount(), 1);
+    EXPECT_EQ(dialog.list()->topLevelItem(0)->text(0), backupTimeText(listGameBackups(session.backupsRoot, game)[0].id));
+    EXPECT_EQ(dialog.list()->topLevelItem(0)->text(1), "1");
+    asker.answers.push_back(Answer::No);
+    EXPECT_FALSE(dialog.restoreSelected());
+    EXPECT_NE(readFileBytes(exe), original);
+    asker.answers.push_back(Answer::Yes);
+    EXPECT_TRUE(dialog.restoreSelected());
+    EXPECT_EQ(asker.ids.back(), MessageId::GameFilesRestored);
+    EXPECT_EQ(readFileBytes(exe), original);
+    EXPECT_TRUE(session.gameKnown());
+    EXPECT_EQ(backupTimeText("20261123-214205-02"), "2026-11-23 21:42:05-02");
 }
 
 TEST(ProgressWindow, ShowsTheTransferAndAbortsOnEscape) {

@@ -2,6 +2,7 @@
 // the entries of the editors whose data live in the game's files.
 
 #include "game/ProgressWindow.h"
+#include "game/RestoreDialog.h"
 #include "shell/Command.h"
 #include "shell/CommandIds.h"
 #include "shell/Document.h"
@@ -101,9 +102,15 @@ void addGameCommands(Workbench& bench) {
            .run = [b] { importFromGame(*b); }, .enabled = gameKnown, .icon = QStyle::SP_ArrowDown});
     r.add({.id = c::ExportToGame, .order = 401, .menu = "&Options", .text = "&Export to game",
            .run = [b] { exportToGame(*b); }, .enabled = gameKnown, .icon = QStyle::SP_ArrowUp});
-    r.add({.id = c::LaunchGame, .order = 402, .menu = "&Options", .text = "&Launch Grandprix2",
+    r.add({.id = c::RestoreGameFiles, .order = 402, .menu = "&Options", .text = "&Restore game files...",
+           .run = [b] {
+               RestoreDialog dialog(*b, &b->window);
+               dialog.exec();
+           },
+           .enabled = [b] { return !b->session.config.gameFolder.empty(); }});
+    r.add({.id = c::LaunchGame, .order = 403, .menu = "&Options", .text = "&Launch Grandprix2",
            .run = [b] { launchGame(*b); }, .enabled = gameKnown, .icon = QStyle::SP_MediaPlay});
-    r.add({.id = c::CreateDosPatch, .order = 403, .menu = "&Options", .text = "Create &DOS patch",
+    r.add({.id = c::CreateDosPatch, .order = 404, .menu = "&Options", .text = "Create &DOS patch",
            .enabled = gameKnown});
 }
 

@@ -18,5 +18,7 @@ constexpr int NewCarSet = 6000, NewEditorWindow = 6047, Open = 6001, OpenInNewWi
               CarSettings = 6043, ImportFromGame = 6007, ExportToGame = 6008, LaunchGame = 6045,
               CreateDosPatch = 6036, CarViewer = 6022, EditInformation = 6025, ProgramConfiguration = 6016,
               Help = 6018, AboutCarSet = 6026, About = 6017, CarPopupView = 1005;
+// Commands of our own, beyond the original menu.
+constexpr int RestoreGameFiles = 6100;
 
 }  // namespace tarvel::command

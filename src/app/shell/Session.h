@@ -19,6 +19,7 @@ struct Session {
     bool helpExists = false;         // tarvel32.hlp beside the program
     std::filesystem::path helpFile;
     std::filesystem::path workingFolder;
+    std::filesystem::path backupsRoot;   // game backups taken before each export
     Rand rand;
 
     // Reads the configuration file (missing keys take their defaults).

@@ -5,6 +5,7 @@
 #include "shell/Session.h"
 
 #include "carset/WorkingFolder.h"
+#include "game/GameBackup.h"
 
 #include <QApplication>
 #include <QStringList>
@@ -20,6 +21,7 @@ void prepareSession(Session& session, const std::filesystem::path& programFolder
     session.helpExists = std::filesystem::exists(session.helpFile, ec);
     session.rand.seed(std::uint32_t(startTime));
     session.workingFolder = workingFolderPath(std::time_t(startTime));
+    session.backupsRoot = defaultBackupsRoot();
     session.configPath = defaultConfigPath();
     session.readConfiguration();
 }

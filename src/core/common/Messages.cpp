@@ -87,6 +87,8 @@ constexpr Entry kMessages[] = {
     {M::NoBackups, K::Error, "This Game Folder Has No Backups."},
     {M::BackupNotFound, K::Error, "No Backup %s of This Game Folder."},
     {M::BackupIncomplete, K::Error, "Backup %s Is Incomplete: Nothing Was Restored."},
+    {M::RestoreBackupQuestion, K::Question, "Put Back the Game Files of Backup %s?"},
+    {M::GameFilesRestored, K::Information, "Game Files Restored."},
     {M::BackupAltered, K::Error, "Backup Copy Altered - %s: Nothing Was Restored."},
 };
 

@@ -89,6 +89,8 @@ enum class MessageId : int {
     BackupNotFound,
     BackupIncomplete,
     BackupAltered,
+    RestoreBackupQuestion,      // "Put Back the Game Files of Backup %s?"
+    GameFilesRestored,
     Count_
 };
 
