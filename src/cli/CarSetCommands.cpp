@@ -17,11 +17,6 @@ void printNotices(Context& context, const std::vector<Message>& notices) {
     for (const Message& m : notices) context.err << messageText(m) << "\n";
 }
 
-int save(Context& context, CarSet& set, const std::string& path) {
-    Status saved = saveCarSet(set, path, fileOptions(context));
-    return saved ? kExitOk : failed(context, saved.error());
-}
-
 constexpr std::string_view kNewUsage = "new OUT.GP2";
 constexpr std::string_view kCheckUsage = "check FILE.GP2";
 constexpr std::string_view kDumpUsage = "dump FILE.GP2 [-o OUT.json]";
@@ -31,8 +26,8 @@ constexpr std::string_view kConvertUsage = "convert IN.GP2 OUT.GP2";
 int runNew(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 1);
     if (!parsed) return usageError(context, kNewUsage);
-    CarSet set;
-    return save(context, set, parsed->positional[0]);
+    CarSetDocument document;
+    return saveSet(context, document, parsed->positional[0]);
 }
 
 int runCheck(Context& context, const std::vector<std::string>& args) {
@@ -87,7 +82,7 @@ int runApply(Context& context, const std::vector<std::string>& args) {
     if (!set) return kExitFailed;
     Status applied = applyCarSetJson(*set, patch);
     if (!applied) return failed(context, applied.error());
-    return save(context, *set, *parsed->output);
+    return saveSet(context, *set, *parsed->output);
 }
 
 int runConvert(Context& context, const std::vector<std::string>& args) {
@@ -95,7 +90,7 @@ int runConvert(Context& context, const std::vector<std::string>& args) {
     if (!parsed) return usageError(context, kConvertUsage);
     auto set = loadSet(context, parsed->positional[0]);
     if (!set) return kExitFailed;
-    return save(context, *set, parsed->positional[1]);
+    return saveSet(context, *set, parsed->positional[1]);
 }
 
 std::string_view usageOf(std::string_view commandAndUsage) {

@@ -252,11 +252,11 @@ void applyDriver(DriverRecord& driver, std::size_t number, const Json& v, const 
     }
 }
 
-void applyDocument(CarSet& set, const Json& v) {
+void applyDocument(DocumentState& state, const Json& v) {
     // The file state is the result of loading and saving; only the team shown can be chosen.
     for (const auto& [key, value] : object(v, "document").items()) {
         std::string name = member("document", key);
-        if (key == "currentTeam") set.document.currentTeam = int(integer(value, name, 0, kRacingTeams - 1));
+        if (key == "currentTeam") state.currentTeam = int(integer(value, name, 0, kRacingTeams - 1));
         else if (key == "path") text(value, name, std::numeric_limits<std::size_t>::max());
         else if (key == "hasFile" || key == "dirty") boolean(value, name);
         else if (key == "loadedVersion") integer(value, name, 0, kU16);
@@ -278,14 +278,15 @@ void applyAssets(CarSet& set, const Json& v) {
     set.recountAssets();
 }
 
-void applyPatch(CarSet& set, const Json& patch) {
+void applyPatch(CarSetDocument& document, const Json& patch) {
+    CarSet& set = document.set;
     for (const auto& [key, value] : object(patch, "patch").items()) {
         if (key == "format") {
             if (!value.is_string() || value.get_ref<const std::string&>() != kFormat) throw InvalidValue{key};
         } else if (key == "version") {
             integer(value, key, kJsonVersion, kJsonVersion);
         } else if (key == "document") {
-            applyDocument(set, value);
+            applyDocument(document.state, value);
         } else if (key == "teams") {
             const Json& teams = array(value, key, set.teams.size());
             for (std::size_t i = 0; i < teams.size(); ++i) applyTeam(set.teams[i], teams[i], indexed(key, i));
@@ -327,15 +328,17 @@ void applyPatch(CarSet& set, const Json& patch) {
 
 }  // namespace
 
-Json carSetToJson(const CarSet& set) {
+Json carSetToJson(const CarSetDocument& document) {
+    const CarSet& set = document.set;
+    const DocumentState& state = document.state;
     Json j = Json::object();
     j["format"] = kFormat;
     j["version"] = kJsonVersion;
-    j["document"] = Json{{"path", set.document.path.string()},
-                         {"hasFile", set.document.hasFile},
-                         {"dirty", set.document.dirty},
-                         {"loadedVersion", set.document.loadedVersion},
-                         {"currentTeam", set.document.currentTeam}};
+    j["document"] = Json{{"path", state.path.string()},
+                         {"hasFile", state.hasFile},
+                         {"dirty", state.dirty},
+                         {"loadedVersion", state.loadedVersion},
+                         {"currentTeam", state.currentTeam}};
 
     Json teams = Json::array();
     for (const TeamRecord& t : set.teams) {
@@ -390,15 +393,15 @@ Json carSetToJson(const CarSet& set) {
     return j;
 }
 
-Status applyCarSetJson(CarSet& set, const Json& patch) {
-    CarSet patched = set;
+Status applyCarSetJson(CarSetDocument& document, const Json& patch) {
+    CarSetDocument patched = document;
     try {
         applyPatch(patched, patch);
     } catch (const InvalidValue& invalid) {
         return fail(MessageId::InvalidField, invalid.field);
     }
-    patched.markDirty();
-    set = std::move(patched);
+    patched.state.dirty = true;
+    document = std::move(patched);
     return {};
 }
 

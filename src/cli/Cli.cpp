@@ -190,16 +190,21 @@ CarSetFileOptions fileOptions(const Context& context) {
     return options;
 }
 
-std::optional<CarSet> loadSet(Context& context, const std::filesystem::path& path) {
-    CarSet set;
+std::optional<CarSetDocument> loadSet(Context& context, const std::filesystem::path& path) {
+    CarSetDocument document;
     std::vector<Message> notices;
-    Status loaded = loadCarSet(set, path, fileOptions(context), &notices);
+    Status opened = openDocument(document, path, fileOptions(context), &notices);
     for (const Message& m : notices) context.err << messageText(m) << "\n";
-    if (!loaded) {
-        failed(context, loaded.error());
+    if (!opened) {
+        failed(context, opened.error());
         return std::nullopt;
     }
-    return set;
+    return document;
+}
+
+int saveSet(Context& context, CarSetDocument& document, const std::filesystem::path& path) {
+    Status saved = saveDocumentAs(document, path, fileOptions(context));
+    return saved ? kExitOk : failed(context, saved.error());
 }
 
 }  // namespace tarvel::cli

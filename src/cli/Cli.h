@@ -2,6 +2,7 @@
 // tarvel-cli: batch commands over the core library. Each subsystem adds its
 // commands through one function returning its table.
 
+#include "carset/CarSetDocument.h"
 #include "carset/CarSetFile.h"
 #include "common/Config.h"
 #include "common/Messages.h"
@@ -68,7 +69,10 @@ std::optional<Arguments> parseArguments(const std::vector<std::string>& args, st
                                         unsigned options = 0);
 
 CarSetFileOptions fileOptions(const Context& context);
-// Loads a set, printing any notice the load leaves and the failure message.
-std::optional<CarSet> loadSet(Context& context, const std::filesystem::path& path);
+// Opens a car set file as a document, printing any notice the load leaves
+// and the failure message.
+std::optional<CarSetDocument> loadSet(Context& context, const std::filesystem::path& path);
+// Saves the document as `path`; the exit status, printing the failure message.
+int saveSet(Context& context, CarSetDocument& document, const std::filesystem::path& path);
 
 }  // namespace tarvel::cli

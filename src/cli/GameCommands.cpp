@@ -1,9 +1,9 @@
 #include "Cli.h"
+#include "TerminalProgress.h"
 
 #include "carset/CarSet.h"
 #include "carset/CarSetFile.h"
 #include "carset/WorkingFolder.h"
-#include "common/Progress.h"
 #include "game/GameTransfer.h"
 #include "game/GameVersion.h"
 #include "game/StateFile.h"
@@ -19,22 +19,6 @@ constexpr std::string_view kDetectUsage = "game detect DIR";
 constexpr std::string_view kStateUsage = "game statefile DIR";
 constexpr std::string_view kImportUsage = "game import DIR SET.GP2 -o OUT.GP2 [--items LIST]";
 constexpr std::string_view kExportUsage = "game export DIR SET.GP2 [--items LIST]";
-
-// The transfer's categories and files, one line each, when standard error is a terminal.
-class TerminalProgress : public Progress {
-public:
-    TerminalProgress(std::ostream& err, bool enabled) : err_(err), enabled_(enabled) {}
-    void setCategory(std::string_view label) override {
-        if (enabled_) err_ << label << "\n";
-    }
-    void setFile(std::string_view name) override {
-        if (enabled_) err_ << "  FILE : " << name << "\n";
-    }
-
-private:
-    std::ostream& err_;
-    bool enabled_;
-};
 
 // A working folder for the run's temporary files, removed at the end.
 class RunWorkingFolder {
@@ -80,21 +64,20 @@ int runStateFile(Context& context, const std::vector<std::string>& args) {
 }
 
 // Loads the set and prepares the context; returns an exit code when it cannot.
-std::optional<int> prepare(Context& context, const Arguments& parsed, CarSet& set, GameContext& game) {
+std::optional<int> prepare(Context& context, const Arguments& parsed, std::optional<CarSetDocument>& document,
+                           GameContext& game) {
     game.gameFolder = parsed.positional[0];
     game.options = context.config;
     game.version = DetectGameVersion(game.gameFolder);
     if (game.version < 0) return failed(context, Message{MessageId::UnsupportedVersion, {}});
-    std::vector<Message> notices;
-    Status loaded = loadCarSet(set, parsed.positional[1], fileOptions(context), &notices);
-    for (const Message& m : notices) context.err << messageText(m) << "\n";
-    if (!loaded) return failed(context, loaded.error());
+    document = loadSet(context, parsed.positional[1]);
+    if (!document) return kExitFailed;
     if (parsed.items) {
         auto selection = parseTransferItemList(*parsed.items);
         if (!selection) return failed(context, selection.error());
-        set.transferItems = *selection;
+        document->state.transferItems = *selection;
     } else {
-        selectAvailableTransferItems(set);
+        selectAvailableTransferItems(document->state.transferItems);
     }
     return std::nullopt;
 }
@@ -102,30 +85,31 @@ std::optional<int> prepare(Context& context, const Arguments& parsed, CarSet& se
 int runImport(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 2, kOptionOutputRequired | kOptionItems);
     if (!parsed) return usageError(context, kImportUsage);
-    CarSet set;
+    std::optional<CarSetDocument> document;
     GameContext game;
-    if (auto code = prepare(context, *parsed, set, game)) return *code;
+    if (auto code = prepare(context, *parsed, document, game)) return *code;
     RunWorkingFolder working;
     game.workingFolder = working.path();
-    set.document.workingFolder = working.path();
-    TerminalProgress progress(context.err, context.progressToTerminal);
-    Status imported = ImportFromGame(set, game, progress);
+    document->state.workingFolder = working.path();
+    TerminalProgress progress(context, TerminalProgress::Lines);
+    bool changed = false;
+    Status imported = ImportFromGame(document->set, document->state.transferItems, game, progress, changed);
+    markChanged(document->state, changed);
     if (!imported) return failed(context, imported.error());
-    Status saved = saveCarSet(set, *parsed->output, fileOptions(context));
-    return saved ? kExitOk : failed(context, saved.error());
+    return saveSet(context, *document, *parsed->output);
 }
 
 int runExport(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 2, kOptionItems);
     if (!parsed) return usageError(context, kExportUsage);
-    CarSet set;
+    std::optional<CarSetDocument> document;
     GameContext game;
-    if (auto code = prepare(context, *parsed, set, game)) return *code;
+    if (auto code = prepare(context, *parsed, document, game)) return *code;
     RunWorkingFolder working;
     game.workingFolder = working.path();
-    TerminalProgress progress(context.err, context.progressToTerminal);
+    TerminalProgress progress(context, TerminalProgress::Lines);
     std::vector<Message> notices;
-    Status exported = ExportToGame(set, game, progress, &notices);
+    Status exported = ExportToGame(document->set, document->state.transferItems, game, progress, &notices);
     if (!exported) {
         int code = failed(context, exported.error());
         for (const Message& m : notices) context.err << messageText(m) << "\n";

@@ -1,12 +1,12 @@
 // Picture commands: team liveries and the helmet sheet of a car set, the
 // game's JAM files and its driver menu helmets.
 #include "Cli.h"
+#include "TerminalProgress.h"
 
 #include "carset/CarSet.h"
 #include "carset/CarSetFile.h"
 #include "carset/CarSetPictures.h"
 #include "common/FileIO.h"
-#include "common/Progress.h"
 #include "graphics/Bitmap.h"
 #include "graphics/Jam.h"
 #include "graphics/JamCatalogue.h"
@@ -26,49 +26,6 @@ std::optional<int> parseNumber(const std::string& text, int low, int high) {
     if (ec != std::errc() || end != text.data() + text.size() || value < low || value > high) return std::nullopt;
     return value;
 }
-
-// Progress on standard error, one line redrawn in place.
-class TerminalProgress : public Progress {
-public:
-    explicit TerminalProgress(std::ostream& err) : err_(err) {}
-    ~TerminalProgress() override {
-        if (shown_) err_ << "\n";
-    }
-    void setFile(std::string_view name) override {
-        file_ = std::string(name);
-        show();
-    }
-    void setSubImage(int index, int count) override {
-        char text[32];
-        std::snprintf(text, sizeof text, "%.2d / %.2d", index, count);
-        image_ = text;
-        show();
-    }
-    void setColours(int found, int max) override {
-        char text[48];
-        std::snprintf(text, sizeof text, "%.3d      [max:%.3d]", found, max);
-        colours_ = text;
-        show();
-    }
-    void beep() override { err_ << '\a'; }
-
-private:
-    void show() {
-        err_ << "\r" << file_ << "  " << image_ << "  " << colours_ << "   " << std::flush;
-        shown_ = true;
-    }
-    std::ostream& err_;
-    std::string file_, image_, colours_;
-    bool shown_ = false;
-};
-
-struct ProgressChoice {
-    explicit ProgressChoice(Context& context) {
-        if (context.progressToTerminal) terminal.emplace(context.err);
-    }
-    Progress* get() { return terminal ? &*terminal : nullptr; }
-    std::optional<TerminalProgress> terminal;
-};
 
 int finish(Context& context, const Status& status) { return status ? kExitOk : failed(context, status.error()); }
 
@@ -90,7 +47,7 @@ int runLiveryExport(Context& context, const std::vector<std::string>& args) {
     if (!team) return usageError(context, kLiveryExportUsage);
     auto set = loadSet(context, parsed->positional[0]);
     if (!set) return kExitFailed;
-    return finish(context, saveTeamLivery(*set, *team, parsed->positional[2], graphicsOptions(context.config)));
+    return finish(context, saveTeamLivery(set->set, *team, parsed->positional[2], graphicsOptions(context.config)));
 }
 
 int runLiveryImport(Context& context, const std::vector<std::string>& args) {
@@ -100,9 +57,10 @@ int runLiveryImport(Context& context, const std::vector<std::string>& args) {
     if (!team) return usageError(context, kLiveryImportUsage);
     auto set = loadSet(context, parsed->positional[0]);
     if (!set) return kExitFailed;
-    Status loaded = loadTeamLivery(*set, *team, parsed->positional[2]);
+    Status loaded = loadTeamLivery(set->set, *team, parsed->positional[2]);
     if (!loaded) return failed(context, loaded.error());
-    return finish(context, saveCarSet(*set, *parsed->output, fileOptions(context)));
+    markChanged(set->state, true);
+    return saveSet(context, *set, *parsed->output);
 }
 
 int runHelmetsExport(Context& context, const std::vector<std::string>& args) {
@@ -110,7 +68,7 @@ int runHelmetsExport(Context& context, const std::vector<std::string>& args) {
     if (!parsed) return usageError(context, kHelmetsExportUsage);
     auto set = loadSet(context, parsed->positional[0]);
     if (!set) return kExitFailed;
-    return finish(context, saveHelmetSheetFile(*set, parsed->positional[1], graphicsOptions(context.config)));
+    return finish(context, saveHelmetSheetFile(set->set, parsed->positional[1], graphicsOptions(context.config)));
 }
 
 int runHelmetsImport(Context& context, const std::vector<std::string>& args) {
@@ -118,9 +76,10 @@ int runHelmetsImport(Context& context, const std::vector<std::string>& args) {
     if (!parsed) return usageError(context, kHelmetsImportUsage);
     auto set = loadSet(context, parsed->positional[0]);
     if (!set) return kExitFailed;
-    Status loaded = loadHelmetSheetFile(*set, parsed->positional[1]);
+    Status loaded = loadHelmetSheetFile(set->set, parsed->positional[1]);
     if (!loaded) return failed(context, loaded.error());
-    return finish(context, saveCarSet(*set, *parsed->output, fileOptions(context)));
+    markChanged(set->state, true);
+    return saveSet(context, *set, *parsed->output);
 }
 
 int runJamInfo(Context& context, const std::vector<std::string>& args) {
@@ -150,9 +109,9 @@ int runJamDecode(Context& context, const std::vector<std::string>& args) {
     if (!parsed) return usageError(context, kJamDecodeUsage);
     auto number = parseNumber(parsed->positional[0], 0, kJamCatalogueSize - 1);
     if (!number) return usageError(context, kJamDecodeUsage);
-    ProgressChoice progress(context);
+    TerminalProgress progress(context, TerminalProgress::InPlace);
     return finish(context, ExportJamToBitmap(*parsed->game, *number, parsed->positional[1],
-                                             graphicsOptions(context.config), progress.get()));
+                                             graphicsOptions(context.config), progress.shown()));
 }
 
 int runJamPatch(Context& context, const std::vector<std::string>& args) {
@@ -162,8 +121,8 @@ int runJamPatch(Context& context, const std::vector<std::string>& args) {
     if (!number) return usageError(context, kJamPatchUsage);
     auto bitmap = LoadBitmap8(parsed->positional[1], kJamCanvasWidth, JamInfo(*number, 0));
     if (!bitmap) return failed(context, bitmap.error());
-    ProgressChoice progress(context);
-    return finish(context, PatchGameJam(*parsed->game, *bitmap, *number, graphicsOptions(context.config), progress.get()));
+    TerminalProgress progress(context, TerminalProgress::InPlace);
+    return finish(context, PatchGameJam(*parsed->game, *bitmap, *number, graphicsOptions(context.config), progress.shown()));
 }
 
 int runMenuDecode(Context& context, const std::vector<std::string>& args) {
@@ -171,8 +130,8 @@ int runMenuDecode(Context& context, const std::vector<std::string>& args) {
     if (!parsed) return usageError(context, kMenuDecodeUsage);
     auto slot = parseNumber(parsed->positional[0], 0, kMenuHelmetCount - 1);
     if (!slot) return usageError(context, kMenuDecodeUsage);
-    ProgressChoice progress(context);
-    return finish(context, ExportMenuHelmet(*parsed->game, *slot, parsed->positional[1], progress.get()));
+    TerminalProgress progress(context, TerminalProgress::InPlace);
+    return finish(context, ExportMenuHelmet(*parsed->game, *slot, parsed->positional[1], progress.shown()));
 }
 
 int runMenuPatch(Context& context, const std::vector<std::string>& args) {
@@ -183,8 +142,8 @@ int runMenuPatch(Context& context, const std::vector<std::string>& args) {
     // Menu pictures carry the menu palette: their pixels are taken as they are.
     auto bitmap = LoadBitmap8(parsed->positional[1], kMenuHelmetSide, kMenuHelmetSide, false);
     if (!bitmap) return failed(context, bitmap.error());
-    ProgressChoice progress(context);
-    return finish(context, ImportMenuHelmet(*parsed->game, *slot, *bitmap, progress.get()));
+    TerminalProgress progress(context, TerminalProgress::InPlace);
+    return finish(context, ImportMenuHelmet(*parsed->game, *slot, *bitmap, progress.shown()));
 }
 
 }  // namespace
