@@ -2,6 +2,7 @@
 #include "carset/CarSetFile.h"
 
 #include "carset/CarSetFileFormat.h"
+#include "carset/FieldSchema.h"
 #include "carset/SettingsDefaults.h"
 #include "common/Checksum.h"
 
@@ -50,7 +51,7 @@ void readTeamBlock(ByteReader& r, CarSet& set, int subVersion) {
     for (auto& t : teams) readNameField(r, t.engine);
     for (auto& t : teams) t.powerRace = r.u16();
     for (auto& t : teams) t.powerQual = r.u16();
-    for (auto& t : teams) t.failureProbability = std::min<std::uint16_t>(r.u16(), 32767);
+    for (auto& t : teams) t.failureProbability = std::min<std::uint16_t>(r.u16(), fieldrange::kPositive.high);
     for (auto& t : teams) t.highNose = r.u8();
     for (auto& t : teams)
         for (auto& b : t.teamBytesA) b = r.u8();
