@@ -78,13 +78,9 @@ std::size_t directoryOffset(const Bytes& file, int entry) { return loadU32(&file
 TEST(CarSetFile, SaveAndLoadGiveTheSameSet) {
     ScratchFolder dir;
     CarSet original = richSet();
-    original.markDirty();
     ASSERT_TRUE(saveCarSet(original, dir / "a.gp2", checked()));
-    EXPECT_FALSE(original.document.dirty);
-    EXPECT_TRUE(original.document.hasFile);
 
     CarSet loaded;
-    loaded.document.currentTeam = 6;
     ASSERT_TRUE(loadCarSet(loaded, dir / "a.gp2", checked()));
     test::expectSameStoredData(original, loaded);
     EXPECT_TRUE(loaded.hasInformation);
@@ -93,17 +89,12 @@ TEST(CarSetFile, SaveAndLoadGiveTheSameSet) {
     // Unfolded names win over the folded copy.
     EXPECT_EQ(fieldText(loaded.teams[0].name), "Team \xc9quipe0");
 
-    // Statuses and document state after a load.
+    // Statuses after a load.
     for (int i = 0; i < kTeamSlots; ++i) {
         EXPECT_EQ(loaded.teams[i].slotIndex, i);
         EXPECT_EQ(loaded.teams[i].carBitmap.status, i < kRacingTeams ? kAssetStored : kAssetNotStored);
     }
-    EXPECT_TRUE(loaded.document.hasFile);
-    EXPECT_FALSE(loaded.document.dirty);
-    EXPECT_EQ(loaded.document.loadedVersion, 180);
-    EXPECT_EQ(loaded.document.path, dir / "a.gp2");
-    EXPECT_EQ(loaded.document.currentTeam, 6);
-    ASSERT_TRUE(loaded.document.openFile);
+    ASSERT_TRUE(loaded.storedItems);
     EXPECT_EQ(loaded.jamCount + loaded.soundCount + loaded.wheelCount + loaded.cockpitCount, 0);
 }
 
@@ -324,9 +315,7 @@ TEST_F(CarSetAssets, SavingOverTheOpenFileKeepsItsItems) {
     loaded.teams[0].powerRace = 1234;
     loaded.sounds[0] = AssetSlot{};  // one item dropped
     loaded.recountAssets();
-    loaded.markDirty();
     ASSERT_TRUE(saveCarSet(loaded, dir / "set.gp2", checked()));
-    EXPECT_FALSE(loaded.document.dirty);
 
     CarSet again;
     ASSERT_TRUE(loadCarSet(again, dir / "set.gp2", checked()));
@@ -359,24 +348,20 @@ TEST_F(CarSetAssets, FailedSaveLeavesTheOldFileAndTheModel) {
     edited.teams[0].powerRace = 999;
     external(edited.sounds[5], "missing.wav");
     edited.recountAssets();
-    edited.markDirty();
     CarSet copy = edited;
     auto status = saveCarSet(edited, dir / "set.gp2", checked());
     ASSERT_FALSE(status);
     EXPECT_EQ(status.error().id, MessageId::FileNotFound);
     EXPECT_EQ(test::readFileBytes(dir / "set.gp2"), old);
-    EXPECT_TRUE(edited.document.dirty);
     EXPECT_EQ(edited.sounds[5].status, kAssetExternal);
     EXPECT_EQ(edited.sounds[5].path, copy.sounds[5].path);
-    EXPECT_EQ(edited.document.openFile, copy.document.openFile);
+    EXPECT_EQ(edited.storedItems, copy.storedItems);
 
     // A folder that does not exist cannot take the file.
     edited.sounds[5] = AssetSlot{};
     auto nowhere = saveCarSet(edited, dir / "no-such-folder" / "x.gp2", checked());
     ASSERT_FALSE(nowhere);
     EXPECT_EQ(nowhere.error().id, MessageId::CouldntSaveCarSet);
-    EXPECT_TRUE(edited.document.dirty);
-    EXPECT_EQ(edited.document.path, dir / "set.gp2");
     // No temporary file is left beside the target.
     int files = 0;
     for (auto& e : std::filesystem::directory_iterator(dir.path())) files += e.path().extension() == ".gp2" ? 1 : 0;
@@ -395,7 +380,7 @@ TEST_F(CarSetAssets, FilesCutInsideAnAssetSectionAreRefused) {
             auto status = loadCarSet(loaded, dir / "cut.gp2", unchecked());
             ASSERT_FALSE(status) << entry << " " << cut;
             EXPECT_EQ(status.error().id, MessageId::NotValidCarSet);
-            EXPECT_FALSE(loaded.document.hasFile);
+            EXPECT_FALSE(loaded.storedItems);
         }
     }
 }
@@ -496,7 +481,7 @@ TEST(CarSetFileCheck, ChecksumOption) {
     auto refused = loadCarSet(set, dir / "x.gp2", checked());
     ASSERT_FALSE(refused);
     EXPECT_EQ(messageText(refused.error()), "File is not a valid Tarvel Car Set.");
-    EXPECT_FALSE(set.document.hasFile);
+    EXPECT_FALSE(set.storedItems);
     ASSERT_TRUE(loadCarSet(set, dir / "x.gp2", unchecked()));
     EXPECT_EQ(set.teams[0].powerRace, 760 ^ 1);
     // A wrong trailer alone.
@@ -516,7 +501,6 @@ TEST(CarSetFileCheck, TruncatedFilesAreRefusedAndLeaveTheSetAlone) {
     CarSet set;
     ASSERT_TRUE(loadCarSet(set, dir / "good.gp2", checked()));
     set.teams[3].powerQual = 4;  // an unsaved edit
-    set.markDirty();
     const CarSet before = set;
 
     // Cut inside every section: header, livery map, liveries, helmet sheet,
@@ -537,9 +521,7 @@ TEST(CarSetFileCheck, TruncatedFilesAreRefusedAndLeaveTheSetAlone) {
             EXPECT_EQ(status.error().id, MessageId::NotValidCarSet);
         }
         EXPECT_EQ(set.teams[3].powerQual, 4);
-        EXPECT_TRUE(set.document.dirty);
-        EXPECT_EQ(set.document.openFile, before.document.openFile);
-        EXPECT_EQ(set.document.path, before.document.path);
+        EXPECT_EQ(set.storedItems, before.storedItems);
     }
     test::expectSameTables(set, before);
     EXPECT_EQ(set.liveries, before.liveries);
@@ -691,8 +673,7 @@ TEST(CarSetFileOldVersions, Version170) {
 
     EXPECT_EQ(checkCarSetFile(dir / "old.gp2", checked()).value_or(0), 170);
     CarSet set;
-    ASSERT_TRUE(loadCarSet(set, dir / "old.gp2", checked()));
-    EXPECT_EQ(set.document.loadedVersion, 170);
+    ASSERT_EQ(loadCarSet(set, dir / "old.gp2", checked()).value_or(0), 170);
     EXPECT_EQ(fieldText(set.teams[5].name), "Old5");
     EXPECT_EQ(set.teams[0].failureProbability, 32767);
     EXPECT_EQ(set.teams[19].powerQual, 629);
@@ -769,8 +750,7 @@ TEST(CarSetFileOldVersions, Version160) {
     test::writeFileBytes(dir / "old.gp2", f.finish());
 
     CarSet set;
-    ASSERT_TRUE(loadCarSet(set, dir / "old.gp2", checked()));
-    EXPECT_EQ(set.document.loadedVersion, 160);
+    ASSERT_EQ(loadCarSet(set, dir / "old.gp2", checked()).value_or(0), 160);
     EXPECT_TRUE(set.hasInformation);
     EXPECT_EQ(set.information, "Hello");
     EXPECT_EQ(set.settings.words[10], 11);

@@ -13,11 +13,8 @@ namespace {
 
 TEST(CarSetModel, DefaultsOfANewSet) {
     CarSet set;
-    set.markDirty();
     set.teams[3].powerRace = 1;
     set.resetToDefaults();
-    EXPECT_FALSE(set.document.dirty);
-    EXPECT_FALSE(set.document.hasFile);
     for (int k = 0; k < kTeamSlots; ++k) {
         SCOPED_TRACE(k);
         const TeamRecord& t = set.teams[k];
