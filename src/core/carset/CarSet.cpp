@@ -149,7 +149,7 @@ void CarSet::recountAssets() {
 }
 
 DisableDecision checkDisableCar(const CarSet& set, int team, int car) {
-    (void)car;
+    (void)car;   // the rule counts cars of every team; which car is asked for does not change it
     int disabledCount = 0;
     for (int t = 0; t < kRacingTeams; ++t)
         for (int c = 0; c < 2; ++c) disabledCount += set.teams[t].disabled[c] ? 1 : 0;

@@ -84,10 +84,10 @@ private:
     std::array<std::uint8_t, carsetfile::kHeaderSize> header_{};
 };
 
-// A slot's item whatever its status: status 2 from the file the set's stored items are read from,
+// A slot's item whatever its status: status 2 from the set's storedItems,
 // status 1 from the outside file (a sound's whole WAV file, a picture's pixel
 // rows bottom-up, a cockpit's file bytes), a cockpit of status 3 from the
-// design held in the set. Pictures are 256 x jamRows (wheels, JAM files) or
+// design held in the set; "Couldn't Load File." for a slot outside the table. Pictures are 256 x jamRows (wheels, JAM files) or
 // 104 x 104 (menu helmets) pixel bytes.
 Result<Bytes> readAssetBytes(const CarSet& set, AssetKind kind, int slot);
 
