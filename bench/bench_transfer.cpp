@@ -68,14 +68,16 @@ void BM_ExportAllItems(benchmark::State& state) {
     Installation& game = installation();
     // A set that holds a picture for every slot: the game's own, imported once.
     CarSet set;
-    selectAvailableTransferItems(set);
+    TransferSelection items;
+    selectAvailableTransferItems(items);
     Progress progress;
-    if (Status imported = ImportFromGame(set, game.context, progress); !imported) {
+    bool changed = false;
+    if (Status imported = ImportFromGame(set, items, game.context, progress, changed); !imported) {
         state.SkipWithError(messageText(imported.error()).c_str());
         return;
     }
     for (auto _ : state) {
-        Status done = ExportToGame(set, game.context, progress);
+        Status done = ExportToGame(set, items, game.context, progress);
         if (!done) state.SkipWithError(messageText(done.error()).c_str());
     }
 }
@@ -84,10 +86,12 @@ BENCHMARK(BM_ExportAllItems)->Unit(benchmark::kMillisecond);
 void BM_ImportAllItems(benchmark::State& state) {
     Installation& game = installation();
     Progress progress;
+    TransferSelection items;
+    selectAvailableTransferItems(items);
     for (auto _ : state) {
         CarSet set;
-        selectAvailableTransferItems(set);
-        Status done = ImportFromGame(set, game.context, progress);
+        bool changed = false;
+        Status done = ImportFromGame(set, items, game.context, progress, changed);
         if (!done) state.SkipWithError(messageText(done.error()).c_str());
         benchmark::DoNotOptimize(set.teams[0].powerRace);
     }

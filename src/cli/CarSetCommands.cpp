@@ -17,27 +17,17 @@ void printNotices(Context& context, const std::vector<Message>& notices) {
     for (const Message& m : notices) context.err << messageText(m) << "\n";
 }
 
-int save(Context& context, CarSet& set, const std::string& path) {
-    Status saved = saveCarSet(set, path, fileOptions(context));
-    return saved ? kExitOk : failed(context, saved.error());
-}
-
-constexpr std::string_view kNewUsage = "new OUT.GP2";
-constexpr std::string_view kCheckUsage = "check FILE.GP2";
-constexpr std::string_view kDumpUsage = "dump FILE.GP2 [-o OUT.json]";
-constexpr std::string_view kApplyUsage = "apply FILE.GP2 PATCH.json -o OUT.GP2";
-constexpr std::string_view kConvertUsage = "convert IN.GP2 OUT.GP2";
 
 int runNew(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 1);
-    if (!parsed) return usageError(context, kNewUsage);
-    CarSet set;
-    return save(context, set, parsed->positional[0]);
+    if (!parsed) return usageError(context);
+    CarSetDocument document;
+    return saveSet(context, document, parsed->positional[0]);
 }
 
 int runCheck(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 1);
-    if (!parsed) return usageError(context, kCheckUsage);
+    if (!parsed) return usageError(context);
     std::vector<Message> notices;
     Result<int> version = checkCarSetFile(parsed->positional[0], fileOptions(context), &notices);
     printNotices(context, notices);
@@ -48,7 +38,7 @@ int runCheck(Context& context, const std::vector<std::string>& args) {
 
 int runDump(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 1, kOptionOutput);
-    if (!parsed) return usageError(context, kDumpUsage);
+    if (!parsed) return usageError(context);
     auto set = loadSet(context, parsed->positional[0]);
     if (!set) return kExitFailed;
     // A file name that is not UTF-8 must not stop the dump.
@@ -64,7 +54,7 @@ int runDump(Context& context, const std::vector<std::string>& args) {
 
 int runApply(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 2, kOptionOutputRequired);
-    if (!parsed) return usageError(context, kApplyUsage);
+    if (!parsed) return usageError(context);
     const std::string& patchPath = parsed->positional[1];
 
     std::string patchText;
@@ -83,47 +73,40 @@ int runApply(Context& context, const std::vector<std::string>& args) {
         return kExitFailed;
     }
 
-    auto set = loadSet(context, parsed->positional[0]);
-    if (!set) return kExitFailed;
-    Status applied = applyCarSetJson(*set, patch);
-    if (!applied) return failed(context, applied.error());
-    return save(context, *set, *parsed->output);
+    return editSet(context, parsed->positional[0], *parsed->output,
+                   [&](CarSetDocument& document) { return applyCarSetJson(document, patch); });
 }
 
 int runConvert(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 2);
-    if (!parsed) return usageError(context, kConvertUsage);
+    if (!parsed) return usageError(context);
     auto set = loadSet(context, parsed->positional[0]);
     if (!set) return kExitFailed;
-    return save(context, *set, parsed->positional[1]);
-}
-
-std::string_view usageOf(std::string_view commandAndUsage) {
-    return commandAndUsage.substr(commandAndUsage.find(' ') + 1);
+    return saveSet(context, *set, parsed->positional[1]);
 }
 
 }  // namespace
 
 std::vector<Command> carSetCommands() {
     return {
-        {"new", usageOf(kNewUsage), "writes the default car set",
+        {"new", "OUT.GP2", "writes the default car set",
          "Writes a new car set with the editor's defaults to OUT.GP2.", runNew},
-        {"check", usageOf(kCheckUsage), "prints the format version of a car set file",
+        {"check", "FILE.GP2", "prints the format version of a car set file",
          "Prints the format version of FILE.GP2 (180, 170 or 160) and exits 0, or prints\n"
          "why the file cannot be read and exits 1. The checksum is verified unless\n"
          "\"CheckSum\" is 0 (--set CheckSum=0).",
          runCheck},
-        {"dump", usageOf(kDumpUsage), "the car set as JSON",
+        {"dump", "FILE.GP2 [-o OUT.json]", "writes the car set as JSON",
          "Writes the car set as JSON to standard output or to OUT.json. Names are UTF-8;\n"
          "numbers are the stored values (grips as stored, signed words signed).",
          runDump},
-        {"apply", usageOf(kApplyUsage), "overwrites the fields a JSON patch names, saves",
+        {"apply", "FILE.GP2 PATCH.json -o OUT.GP2", "overwrites the fields a JSON patch names and saves",
          "Loads FILE.GP2, overwrites every field that PATCH.json names (the shape of\n"
          "`dump`; arrays of objects match by position, absent fields stay) and saves\n"
          "the result as OUT.GP2. PATCH.json \"-\" reads standard input. A value that does\n"
          "not fit its field is refused with a message naming it, and nothing is saved.",
          runApply},
-        {"convert", usageOf(kConvertUsage), "loads any readable version, saves the current one",
+        {"convert", "IN.GP2 OUT.GP2", "loads any readable version and saves the current one",
          "Loads IN.GP2 (format 180, 170 or 160) and saves it as OUT.GP2 in format 180.", runConvert},
     };
 }

@@ -79,8 +79,12 @@ bool isGroupName(const std::vector<Command>& commands, std::string_view word) {
 
 }  // namespace
 
-int usageError(Context& context, std::string_view commandAndUsage) {
-    context.err << "Usage: tarvel-cli " << commandAndUsage << "\n";
+void printUsage(std::ostream& out, const Command& command) {
+    out << "Usage: tarvel-cli " << command.name << " " << command.usage << "\n";
+}
+
+int usageError(Context& context) {
+    if (context.command) printUsage(context.err, *context.command);
     return kExitUsage;
 }
 
@@ -145,13 +149,14 @@ int run(const std::vector<std::string>& argv, std::istream& in, std::ostream& ou
     std::vector<std::string> args(argv.begin() + std::ptrdiff_t(i + used), argv.end());
     if (std::find_if(args.begin(), args.end(), [](const std::string& a) { return a == "--help" || a == "-h"; }) !=
         args.end()) {
-        out << "Usage: tarvel-cli " << command->name << " " << command->usage << "\n\n" << command->help << "\n";
+        printUsage(out, *command);
+        out << "\n" << command->help << "\n";
         return kExitOk;
     }
 
     IniFile ini(configPath);
     for (const auto& [key, value] : overrides) ini.setOverride(key, value);
-    Context context{readConfig(ini), configPath, out, err, &err == &std::cerr && standardErrorIsTerminal(), &in};
+    Context context{readConfig(ini), configPath, out, err, &err == &std::cerr && standardErrorIsTerminal(), &in, command};
     return command->run(context, args);
 }
 
@@ -190,16 +195,31 @@ CarSetFileOptions fileOptions(const Context& context) {
     return options;
 }
 
-std::optional<CarSet> loadSet(Context& context, const std::filesystem::path& path) {
-    CarSet set;
+std::optional<CarSetDocument> loadSet(Context& context, const std::filesystem::path& path) {
+    CarSetDocument document;
     std::vector<Message> notices;
-    Status loaded = loadCarSet(set, path, fileOptions(context), &notices);
+    Status opened = openDocument(document, path, fileOptions(context), &notices);
     for (const Message& m : notices) context.err << messageText(m) << "\n";
-    if (!loaded) {
-        failed(context, loaded.error());
+    if (!opened) {
+        failed(context, opened.error());
         return std::nullopt;
     }
-    return set;
+    return document;
+}
+
+int editSet(Context& context, const std::filesystem::path& in, const std::filesystem::path& out,
+            const std::function<Status(CarSetDocument&)>& edit) {
+    auto document = loadSet(context, in);
+    if (!document) return kExitFailed;
+    Status edited = edit(*document);
+    if (!edited) return failed(context, edited.error());
+    markChanged(document->state, true);
+    return saveSet(context, *document, out);
+}
+
+int saveSet(Context& context, CarSetDocument& document, const std::filesystem::path& path) {
+    Status saved = saveDocumentAs(document, path, fileOptions(context));
+    return saved ? kExitOk : failed(context, saved.error());
 }
 
 }  // namespace tarvel::cli

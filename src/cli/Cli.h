@@ -2,11 +2,13 @@
 // tarvel-cli: batch commands over the core library. Each subsystem adds its
 // commands through one function returning its table.
 
+#include "carset/CarSetDocument.h"
 #include "carset/CarSetFile.h"
 #include "common/Config.h"
 #include "common/Messages.h"
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <iosfwd>
 #include <string>
@@ -24,13 +26,18 @@ struct Context {
     std::ostream& err;
     bool progressToTerminal = false;   // standard error is a terminal
     std::istream* in = nullptr;        // standard input, for arguments given as "-"
+    const struct Command* command = nullptr;   // the command being run
 };
 
+// One command. Every text follows one style: `usage` the arguments as the
+// usage line shows them, `summary` a lower-case phrase in the third person for
+// the tool's --help ("writes the default car set"), `help` whole sentences for
+// COMMAND --help, lines within 80 columns, no usage line and no final newline.
 struct Command {
     std::string_view name;      // "new", or "livery export" for a command with a sub-command
     std::string_view usage;     // arguments, e.g. "OUT.GP2"
-    std::string_view summary;   // one line for the tool's --help
-    std::string_view help;      // the command's own --help text
+    std::string_view summary;
+    std::string_view help;
     int (*run)(Context& context, const std::vector<std::string>& args);
 };
 
@@ -43,10 +50,10 @@ int run(const std::vector<std::string>& argv, std::ostream& out, std::ostream& e
 // As above, with the stream that "-" arguments read from.
 int run(const std::vector<std::string>& argv, std::istream& in, std::ostream& out, std::ostream& err);
 
-// Shared by the command tables: a usage error (the command's usage line on
-// standard error, exit status 2), and an operation's failure (its message text
-// on standard error, exit status 1).
-int usageError(Context& context, std::string_view commandAndUsage);
+// Shared by the command tables: a usage error (the running command's usage
+// line on standard error, exit status 2), and an operation's failure (its
+// message text on standard error, exit status 1).
+int usageError(Context& context);
 int failed(Context& context, const Message& message);
 
 // A command's arguments: positional ones and the values of the options it takes.
@@ -68,7 +75,14 @@ std::optional<Arguments> parseArguments(const std::vector<std::string>& args, st
                                         unsigned options = 0);
 
 CarSetFileOptions fileOptions(const Context& context);
-// Loads a set, printing any notice the load leaves and the failure message.
-std::optional<CarSet> loadSet(Context& context, const std::filesystem::path& path);
+// Opens a car set file as a document, printing any notice the load leaves
+// and the failure message.
+std::optional<CarSetDocument> loadSet(Context& context, const std::filesystem::path& path);
+// Saves the document as `path`; the exit status, printing the failure message.
+int saveSet(Context& context, CarSetDocument& document, const std::filesystem::path& path);
+// Loads `in`, applies `edit` (whose success means the set changed) and saves
+// the result as `out`; the exit status, printing any failure message.
+int editSet(Context& context, const std::filesystem::path& in, const std::filesystem::path& out,
+            const std::function<Status(CarSetDocument&)>& edit);
 
 }  // namespace tarvel::cli

@@ -1,9 +1,9 @@
 #include "Cli.h"
+#include "TerminalProgress.h"
 
 #include "carset/CarSet.h"
 #include "carset/CarSetFile.h"
 #include "carset/WorkingFolder.h"
-#include "common/Progress.h"
 #include "game/GameTransfer.h"
 #include "game/GameVersion.h"
 #include "game/StateFile.h"
@@ -15,26 +15,6 @@
 namespace tarvel::cli {
 namespace {
 
-constexpr std::string_view kDetectUsage = "game detect DIR";
-constexpr std::string_view kStateUsage = "game statefile DIR";
-constexpr std::string_view kImportUsage = "game import DIR SET.GP2 -o OUT.GP2 [--items LIST]";
-constexpr std::string_view kExportUsage = "game export DIR SET.GP2 [--items LIST]";
-
-// The transfer's categories and files, one line each, when standard error is a terminal.
-class TerminalProgress : public Progress {
-public:
-    TerminalProgress(std::ostream& err, bool enabled) : err_(err), enabled_(enabled) {}
-    void setCategory(std::string_view label) override {
-        if (enabled_) err_ << label << "\n";
-    }
-    void setFile(std::string_view name) override {
-        if (enabled_) err_ << "  FILE : " << name << "\n";
-    }
-
-private:
-    std::ostream& err_;
-    bool enabled_;
-};
 
 // A working folder for the run's temporary files, removed at the end.
 class RunWorkingFolder {
@@ -61,7 +41,7 @@ private:
 
 int runDetect(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 1);
-    if (!parsed) return usageError(context, kDetectUsage);
+    if (!parsed) return usageError(context);
     int version = DetectGameVersion(parsed->positional[0]);
     if (version < 0) return failed(context, Message{MessageId::UnsupportedVersion, {}});
     context.out << version << " " << kGameReleases[std::size_t(version)].tag << "\n";
@@ -70,7 +50,7 @@ int runDetect(Context& context, const std::vector<std::string>& args) {
 
 int runStateFile(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 1);
-    if (!parsed) return usageError(context, kStateUsage);
+    if (!parsed) return usageError(context);
     switch (stateFileState(parsed->positional[0])) {
     case StateFileState::Valid: context.out << "valid\n"; break;
     case StateFileState::Absent: context.out << "absent\n"; break;
@@ -79,53 +59,58 @@ int runStateFile(Context& context, const std::vector<std::string>& args) {
     return kExitOk;
 }
 
-// Loads the set and prepares the context; returns an exit code when it cannot.
-std::optional<int> prepare(Context& context, const Arguments& parsed, CarSet& set, GameContext& game) {
+// What an import or export works with: the set, the game and a working folder
+// for the run's temporary files.
+struct TransferRun {
+    std::optional<CarSetDocument> document;
+    GameContext game;
+    RunWorkingFolder working;
+};
+
+// Loads the set and the selection and finds the game; an exit code when it cannot.
+std::optional<int> prepare(Context& context, const Arguments& parsed, TransferRun& run) {
+    GameContext& game = run.game;
     game.gameFolder = parsed.positional[0];
     game.options = context.config;
     game.version = DetectGameVersion(game.gameFolder);
     if (game.version < 0) return failed(context, Message{MessageId::UnsupportedVersion, {}});
-    std::vector<Message> notices;
-    Status loaded = loadCarSet(set, parsed.positional[1], fileOptions(context), &notices);
-    for (const Message& m : notices) context.err << messageText(m) << "\n";
-    if (!loaded) return failed(context, loaded.error());
+    run.document = loadSet(context, parsed.positional[1]);
+    if (!run.document) return kExitFailed;
+    DocumentState& state = run.document->state;
     if (parsed.items) {
         auto selection = parseTransferItemList(*parsed.items);
         if (!selection) return failed(context, selection.error());
-        set.transferItems = *selection;
+        state.transferItems = *selection;
     } else {
-        selectAvailableTransferItems(set);
+        selectAvailableTransferItems(state.transferItems);
     }
+    game.workingFolder = run.working.path();
+    state.workingFolder = run.working.path();
     return std::nullopt;
 }
 
 int runImport(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 2, kOptionOutputRequired | kOptionItems);
-    if (!parsed) return usageError(context, kImportUsage);
-    CarSet set;
-    GameContext game;
-    if (auto code = prepare(context, *parsed, set, game)) return *code;
-    RunWorkingFolder working;
-    game.workingFolder = working.path();
-    set.document.workingFolder = working.path();
-    TerminalProgress progress(context.err, context.progressToTerminal);
-    Status imported = ImportFromGame(set, game, progress);
+    if (!parsed) return usageError(context);
+    TransferRun run;
+    if (auto code = prepare(context, *parsed, run)) return *code;
+    CarSetDocument& document = *run.document;
+    TerminalProgress progress(context, TerminalProgress::Lines);
+    bool changed = false;
+    Status imported = ImportFromGame(document.set, document.state.transferItems, run.game, progress, changed);
+    markChanged(document.state, changed);
     if (!imported) return failed(context, imported.error());
-    Status saved = saveCarSet(set, *parsed->output, fileOptions(context));
-    return saved ? kExitOk : failed(context, saved.error());
+    return saveSet(context, document, *parsed->output);
 }
 
 int runExport(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 2, kOptionItems);
-    if (!parsed) return usageError(context, kExportUsage);
-    CarSet set;
-    GameContext game;
-    if (auto code = prepare(context, *parsed, set, game)) return *code;
-    RunWorkingFolder working;
-    game.workingFolder = working.path();
-    TerminalProgress progress(context.err, context.progressToTerminal);
+    if (!parsed) return usageError(context);
+    TransferRun run;
+    if (auto code = prepare(context, *parsed, run)) return *code;
+    TerminalProgress progress(context, TerminalProgress::Lines);
     std::vector<Message> notices;
-    Status exported = ExportToGame(set, game, progress, &notices);
+    Status exported = ExportToGame(run.document->set, run.document->state.transferItems, run.game, progress, &notices);
     if (!exported) {
         int code = failed(context, exported.error());
         for (const Message& m : notices) context.err << messageText(m) << "\n";
@@ -139,17 +124,16 @@ int runExport(Context& context, const std::vector<std::string>& args) {
 std::vector<Command> gameCommands() {
     return {
         {"game detect", "DIR", "prints the release of the game in DIR (index and tag)",
-         "game detect DIR\n  Prints the release index and tag of DIR's GP2.EXE, e.g. \"0 UK\".\n", runDetect},
+         "Prints the release index and tag of DIR's GP2.EXE, e.g. \"0 UK\".", runDetect},
         {"game statefile", "DIR", "prints whether DIR's F1GSTATE.SAV is valid, absent or invalid",
-         "game statefile DIR\n  Prints valid, absent or invalid for the game's state file.\n", runStateFile},
+         "Prints valid, absent or invalid for the game's state file.", runStateFile},
         {"game import", "DIR SET.GP2 -o OUT.GP2 [--items LIST]", "imports items from the game into a car set",
-         "game import DIR SET.GP2 -o OUT.GP2 [--items LIST]\n"
-         "  Loads SET.GP2, imports the items of LIST (e.g. 0,1-14,47; default every available item)\n"
-         "  from the game in DIR and saves the result as OUT.GP2.\n",
+         "Loads SET.GP2, imports the items of LIST (e.g. 0,1-14,47; default every\n"
+         "available item) from the game in DIR and saves the result as OUT.GP2.",
          runImport},
         {"game export", "DIR SET.GP2 [--items LIST]", "exports a car set's items into the game",
-         "game export DIR SET.GP2 [--items LIST]\n"
-         "  Writes the items of LIST (default every available item) of SET.GP2 into the game in DIR.\n",
+         "Writes the items of LIST (default every available item) of SET.GP2 into the\n"
+         "game in DIR.",
          runExport},
     };
 }

@@ -10,8 +10,8 @@ namespace tarvel::cli {
 namespace {
 
 TEST(CarSetJson, DumpHasTheDocumentedShape) {
-    CarSet set;
-    Json j = carSetToJson(set);
+    CarSetDocument setDocument;
+    Json j = carSetToJson(setDocument);
     EXPECT_EQ(j["format"], "tarvel-carset");
     EXPECT_EQ(j["version"], 1);
     ASSERT_EQ(j["teams"].size(), 20u);
@@ -47,7 +47,8 @@ TEST(CarSetJson, DumpHasTheDocumentedShape) {
 }
 
 TEST(CarSetJson, TextIsUtf8AndSignedWordsAreSigned) {
-    CarSet set;
+    CarSetDocument setDocument;
+    CarSet& set = setDocument.set;
     setFieldText(set.teams[1].name, "Ren\xE9 \x80");
     set.information = "\x93Hi\x94";
     set.settings.words[44] = 0xFFFB;       // camera 1 x
@@ -56,7 +57,7 @@ TEST(CarSetJson, TextIsUtf8AndSignedWordsAreSigned) {
     set.settings.words[188] = 0xFFFF;      // damage
     set.settings.words[0] = 0xFFFF;        // game settings are unsigned
     set.teams[0].teamOrder = -1;
-    Json j = carSetToJson(set);
+    Json j = carSetToJson(setDocument);
     EXPECT_EQ(j["teams"][1]["name"], "Ren\xC3\xA9 \xE2\x82\xAC");
     EXPECT_EQ(j["information"], "\xE2\x80\x9CHi\xE2\x80\x9D");
     EXPECT_EQ(j["cameras"][0], -5);
@@ -68,35 +69,38 @@ TEST(CarSetJson, TextIsUtf8AndSignedWordsAreSigned) {
 }
 
 TEST(CarSetJson, ApplyingADumpToADefaultSetReproducesIt) {
-    CarSet original;
+    CarSetDocument originalDocument;
+    CarSet& original = originalDocument.set;
     test::scramble(original, 7);
     original.jams[30].status = kAssetExternal;
     setFieldText(original.jams[30].path, "/pics/\xE9t\xE9.bmp");
     original.recountAssets();
-    Json dump = carSetToJson(original);
+    Json dump = carSetToJson(originalDocument);
 
-    CarSet target;
-    ASSERT_TRUE(applyCarSetJson(target, dump));
+    CarSetDocument targetDocument;
+    CarSet& target = targetDocument.set;
+    ASSERT_TRUE(applyCarSetJson(targetDocument, dump));
     test::expectSameStoredData(original, target);
     EXPECT_EQ(target.jams[30].status, kAssetExternal);
     EXPECT_EQ(target.jams[30].path, original.jams[30].path);
     EXPECT_EQ(target.jamCount, 1);
-    EXPECT_TRUE(target.document.dirty);
+    EXPECT_TRUE(targetDocument.state.dirty);
     // A dump of the result is the same but for the document state.
-    Json again = carSetToJson(target);
+    Json again = carSetToJson(targetDocument);
     dump.erase("document");
     again.erase("document");
     EXPECT_EQ(again, dump);
 }
 
 TEST(CarSetJson, OnlyNamedFieldsChange) {
-    CarSet set;
+    CarSetDocument setDocument;
+    CarSet& set = setDocument.set;
     test::scramble(set, 3);
     CarSet expected = set;
     Json patch = Json::parse(R"({"teams": [{}, {"powerRace": 900, "teamBytesB": [1, 2]}],
                                  "drivers": [{"number": 1, "name": "Jos\u00e9"}], "cameras": [-1],
                                  "carNumberLayout": [9]})");
-    ASSERT_TRUE(applyCarSetJson(set, patch));
+    ASSERT_TRUE(applyCarSetJson(setDocument, patch));
     expected.teams[1].powerRace = 900;
     expected.teams[1].teamBytesB[0] = 1;
     expected.teams[1].teamBytesB[1] = 2;
@@ -107,13 +111,14 @@ TEST(CarSetJson, OnlyNamedFieldsChange) {
 }
 
 TEST(CarSetJson, TextEqualToTheFieldKeepsBytesBehindItsTerminator) {
-    CarSet set;
+    CarSetDocument setDocument;
+    CarSet& set = setDocument.set;
     set.menuHelmets[4].status = kAssetStored;
     set.menuHelmets[4].path[2] = 4;   // a slot reference, not text
-    Json patch = carSetToJson(set);
-    ASSERT_TRUE(applyCarSetJson(set, patch));
+    Json patch = carSetToJson(setDocument);
+    ASSERT_TRUE(applyCarSetJson(setDocument, patch));
     EXPECT_EQ(set.menuHelmets[4].path[2], 4);
-    ASSERT_TRUE(applyCarSetJson(set, Json::parse(R"({"assets": {"menuHelmets": [{}, {}, {}, {}, {"path": "x"}]}})")));
+    ASSERT_TRUE(applyCarSetJson(setDocument, Json::parse(R"({"assets": {"menuHelmets": [{}, {}, {}, {}, {"path": "x"}]}})")));
     EXPECT_EQ(set.menuHelmets[4].path[0], 'x');
     EXPECT_EQ(set.menuHelmets[4].path[2], 0);
 }
@@ -153,22 +158,23 @@ TEST(CarSetJson, ValuesThatDoNotFitAreRefusedByName) {
         {R"({"version": 2})", "version"},
         {R"({"colour": 1})", "colour"},
     };
-    CarSet set;
+    CarSetDocument setDocument;
+    CarSet& set = setDocument.set;
     test::scramble(set, 11);
-    const Json before = carSetToJson(set);
+    const Json before = carSetToJson(setDocument);
     for (auto [patch, field] : cases) {
         // A good change ahead of the bad one must not be kept either.
         Json j = Json::parse(patch);
         j["information"] = "changed";
-        Status status = applyCarSetJson(set, j);
+        Status status = applyCarSetJson(setDocument, j);
         ASSERT_FALSE(status) << patch;
         EXPECT_EQ(messageText(status.error()), "Invalid value for " + std::string(field) + ".") << patch;
-        EXPECT_EQ(carSetToJson(set), before) << patch;
+        EXPECT_EQ(carSetToJson(setDocument), before) << patch;
     }
     std::string longText(kInformationMax + 1, 'i');
-    EXPECT_FALSE(applyCarSetJson(set, Json{{"information", longText}}));
+    EXPECT_FALSE(applyCarSetJson(setDocument, Json{{"information", longText}}));
     longText.pop_back();
-    EXPECT_TRUE(applyCarSetJson(set, Json{{"information", longText}}));
+    EXPECT_TRUE(applyCarSetJson(setDocument, Json{{"information", longText}}));
 }
 
 }  // namespace

@@ -170,20 +170,6 @@ TEST_F(CliTest, ApplyRefusesBadValuesAndWritesNothing) {
     EXPECT_FALSE(fs::exists(at("out2.GP2")));
 }
 
-TEST_F(CliTest, ApplyChangesOnlyTheNamedFields) {
-    CarSet original;
-    test::scramble(original, 5);
-    ASSERT_TRUE(saveCarSet(original, at("a.GP2"), CarSetFileOptions{}));
-    Outcome apply = cli({"apply", at("a.GP2"), "-", "-o", at("b.GP2")},
-                        R"({"teams": [{}, {"engine": "V12 \u20ac", "driver": [7, 8]}], "laps": [60]})");
-    ASSERT_EQ(apply.status, kExitOk) << apply.err;
-    CarSet expected = loaded("a.GP2");
-    setFieldText(expected.teams[1].engine, "V12 \x80");
-    expected.teams[1].driver = {7, 8};
-    expected.settings.words[settings::kLaps.first] = 60;
-    test::expectSameStoredData(expected, loaded("b.GP2"));
-}
-
 TEST_F(CliTest, ConvertSavesTheCurrentVersion) {
     CarSet original;
     test::scramble(original, 9);

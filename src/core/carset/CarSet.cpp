@@ -2,9 +2,9 @@
 
 #include "carset/CarSetPictures.h"
 #include "carset/SettingsDefaults.h"
-#include "carset/WorkingFolder.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdio>
 #include <cstring>
 
@@ -91,14 +91,8 @@ void CarSet::resetTablesToDefaults() {
     for (auto& d : cockpitDesigns) d.clear();
     recountAssets();
 
-    // 5. Document state and pictures.
-    document.path.clear();
-    document.hasFile = false;
-    document.dirty = false;
-    document.loadedVersion = 180;
-    document.currentTeam = 0;
-    document.openFile.reset();
-    if (!document.workingFolder.empty()) deleteTemporaryAssetFiles(document.workingFolder);
+    // 5. No file holds the set any more.
+    storedItems.reset();
 }
 
 void CarSet::assignDriverFlags() {
@@ -155,7 +149,7 @@ void CarSet::recountAssets() {
 }
 
 DisableDecision checkDisableCar(const CarSet& set, int team, int car) {
-    (void)car;
+    (void)car;   // the rule counts cars of every team; which car is asked for does not change it
     int disabledCount = 0;
     for (int t = 0; t < kRacingTeams; ++t)
         for (int c = 0; c < 2; ++c) disabledCount += set.teams[t].disabled[c] ? 1 : 0;
@@ -172,15 +166,16 @@ DisableDecision checkDisableCar(const CarSet& set, int team, int car) {
             }
         return {DisableDecision::Refused, text};
     }
-    const TeamRecord& current = set.teams.at(team);
+    const TeamRecord& current = set.team(team);
     if (team == kRacingTeams - 1 || (!current.disabled[0] && !current.disabled[1]))
         return {DisableDecision::Allowed, {}};
     return {DisableDecision::NeedsConfirmation, std::string(messageTemplate(MessageId::DisabledCarCorruption))};
 }
 
 std::string driverListEntry(const CarSet& set, int team, int car) {
-    const TeamRecord& t = set.teams.at(team);
-    int number = t.driver.at(car);
+    assert(car == 0 || car == 1);
+    const TeamRecord& t = set.team(team);
+    int number = t.driver[std::size_t(car)];
     int shown = (number == 1 && set.driverZero()) ? 0 : number;
     char head[16];
     std::snprintf(head, sizeof head, "[%.2d] ", shown);

@@ -1,11 +1,13 @@
 #pragma once
-// The car set: the one document an editor process works on. Fixed-size tables,
+// The car set: the content of the one document an editor process works on
+// (the file side of the document is CarSetDocument). Fixed-size tables,
 // value semantics (a copy is a full scratch copy), names held as Windows-1252
 // bytes, NUL-terminated inside their fixed fields.
 
 #include "common/Result.h"
 
 #include <array>
+#include <cassert>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -120,17 +122,14 @@ struct CarSetSettings {
 
 class CarSetFileHandle;  // an open car set file that status-2 items are read from
 
-struct DocumentState {
-    std::filesystem::path path;           // the open file, empty when none
-    bool hasFile = false;
-    bool dirty = false;
-    int loadedVersion = 180;
-    int currentTeam = 0;
-    std::filesystem::path workingFolder;  // temporary asset files of this process
-    std::shared_ptr<CarSetFileHandle> openFile;
-};
-
 class CarSet {
+    static std::size_t checkedIndex(int index, int size) {
+        assert(index >= 0 && index < size);
+        (void)size;   // only the assertion reads it
+        return std::size_t(index);
+    }
+    static std::size_t spareSlot(int index) { return std::size_t(kRacingTeams) + checkedIndex(index, kSpareDrivers) / 2; }
+
 public:
     CarSet();
     // A set reset to the defaults but without the default pictures (empty
@@ -170,30 +169,32 @@ public:
     std::array<std::vector<std::uint8_t>, kRacingTeams> liveries;
     std::vector<std::uint8_t> helmetSheet;
 
-    // Which import/export items take part (non-zero = selected).
-    std::array<std::uint16_t, kTransferItems> transferItems{};
-
-    DocumentState document;
+    // The open car set file that the status-2 items are read from (shared by
+    // copies of the set; empty for a set that no file holds).
+    std::shared_ptr<const CarSetFileHandle> storedItems;
 
     // --- operations -------------------------------------------------------
+    // Every table, asset and picture back to the defaults; no stored items.
     void resetToDefaults();
     // resetToDefaults without rebuilding the default pictures.
     void resetTablesToDefaults();
-    void markDirty() { document.dirty = true; }
     void assignDriverFlags();
     void snapshotPerformance();
     void restorePerformance();
     void assignSpareDrivers();
     void recountAssets();
 
-    // Accessors.
-    TeamRecord& team(int slot) { return teams.at(slot); }
-    const TeamRecord& team(int slot) const { return teams.at(slot); }
-    DriverRecord& driver(int number) { return drivers.at(number); }
-    const DriverRecord& driver(int number) const { return drivers.at(number); }
+    // Accessors; the index must be in range (team slot 0-19, racing number
+    // 0-40, spare driver 0-7): callers check indexes that come from outside.
+    TeamRecord& team(int slot) { return teams[checkedIndex(slot, kTeamSlots)]; }
+    const TeamRecord& team(int slot) const { return teams[checkedIndex(slot, kTeamSlots)]; }
+    DriverRecord& driver(int number) { return drivers[checkedIndex(number, kDriverNumbers + 1)]; }
+    const DriverRecord& driver(int number) const { return drivers[checkedIndex(number, kDriverNumbers + 1)]; }
     // Spare driver 0-7: team slot 14 + index / 2, car index % 2.
-    std::int16_t spareDriverNumber(int index) const { return teams.at(14 + index / 2).driver.at(index % 2); }
-    void setSpareDriverNumber(int index, std::int16_t number) { teams.at(14 + index / 2).driver.at(index % 2) = number; }
+    std::int16_t spareDriverNumber(int index) const {
+        return teams[spareSlot(index)].driver[std::size_t(index % 2)];
+    }
+    void setSpareDriverNumber(int index, std::int16_t number) { teams[spareSlot(index)].driver[std::size_t(index % 2)] = number; }
     bool driverZero() const { return settings.words[settings::kDriverZero] != 0; }
 };
 
@@ -206,14 +207,15 @@ void setFieldText(char* field, std::size_t size, std::string_view text);
 template <std::size_t N>
 void setFieldText(std::array<char, N>& field, std::string_view text) { setFieldText(field.data(), N, text); }
 
-// The disabled cars rule: may car `car` (0/1) of `team` be disabled?
+// The disabled cars rule: may car `car` (0/1) of `team` (0-19) be disabled?
 struct DisableDecision {
     enum Kind { Allowed, Refused, NeedsConfirmation } kind;
     std::string text;   // Windows-1252, the exact text to show when not Allowed
 };
 DisableDecision checkDisableCar(const CarSet& set, int team, int car);
 
-// "[%.2d] %s" with " (S)" / " (D)", driver 1 shown as 0 when DriverZero is set.
+// "[%.2d] %s" with " (S)" / " (D)", driver 1 shown as 0 when DriverZero is set;
+// team 0-19, car 0/1.
 std::string driverListEntry(const CarSet& set, int team, int car);
 
 }  // namespace tarvel

@@ -75,7 +75,6 @@ Status loadTeamLivery(CarSet& set, int team, const fs::path& path) {
     if (!bitmap) return fail(bitmap.error());
     setLiveryPixels(set, team, *bitmap);
     setCarBitmapSource(set, team, kAssetExternal, path);
-    set.markDirty();
     return {};
 }
 
@@ -93,7 +92,6 @@ Status importTeamCarFromGame(CarSet& set, int team, const fs::path& gameFolder, 
     if (!bitmap) return fail(MessageId::FailedToConvertJam);
     setLiveryPixels(set, team, *bitmap);
     setCarBitmapSource(set, team, kAssetExternal, working);
-    set.markDirty();
     return {};
 }
 
@@ -110,7 +108,6 @@ Status importHelmetsFromGame(CarSet& set, const fs::path& gameFolder, const fs::
     auto sheet = LoadHelmetSheet(working);
     if (!sheet) return fail(MessageId::ImportFailed);
     setHelmetSheetPixels(set, *sheet);
-    set.markDirty();
     return {};
 }
 
@@ -125,7 +122,6 @@ Status loadHelmetSheetFile(CarSet& set, const fs::path& path) {
     auto sheet = LoadHelmetSheet(path);
     if (!sheet) return fail(sheet.error());
     setHelmetSheetPixels(set, *sheet);
-    set.markDirty();
     return {};
 }
 

@@ -26,7 +26,7 @@ bool setLiveryPixels(CarSet& set, int team, const BitmapBuffer& bitmap);
 bool setHelmetSheetPixels(CarSet& set, const BitmapBuffer& bitmap);
 
 // Loads a 256 x 164 bitmap as team 0-13's livery: the team's carBitmap
-// becomes status 1 with the file's path and the set is marked dirty.
+// becomes status 1 with the file's path. Success means the set changed.
 // "Couldn't Load Bitmap." leaves the set as it was.
 Status loadTeamLivery(CarSet& set, int team, const std::filesystem::path& path);
 Status saveTeamLivery(const CarSet& set, int team, const std::filesystem::path& path, const GraphicsOptions& options);
@@ -49,8 +49,8 @@ Status importHelmetsFromGame(CarSet& set, const std::filesystem::path& gameFolde
 Status exportHelmetsToGame(const CarSet& set, const std::filesystem::path& gameFolder,
                            const GraphicsOptions& options, Progress* progress = nullptr);
 
-// The helmet sheet from and to a 256 x 180 bitmap file; a load marks the set
-// dirty, a failed load leaves it as it was.
+// The helmet sheet from and to a 256 x 180 bitmap file; a successful load
+// changed the set, a failed load leaves it as it was.
 Status loadHelmetSheetFile(CarSet& set, const std::filesystem::path& path);
 Status saveHelmetSheetFile(const CarSet& set, const std::filesystem::path& path, const GraphicsOptions& options);
 

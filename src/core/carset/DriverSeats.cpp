@@ -20,14 +20,13 @@ bool exchangeSeats(CarSet& set, Seat a, Seat b) {
     if (!validSeat(a) || !validSeat(b) || a == b) return false;
     std::swap(numberAt(set, a), numberAt(set, b));
     set.assignDriverFlags();
-    set.markDirty();
     return true;
 }
 
-Status renumberDriver(CarSet& set, Seat seat, int number) {
+Result<bool> renumberDriver(CarSet& set, Seat seat, int number) {
     if (!validSeat(seat) || number < 1 || number > kDriverNumbers) return fail(MessageId::BadDriverNumbers);
     const int old = numberAt(set, seat);
-    if (old == number) return {};
+    if (old == number) return false;
     for (int i = 0; i < kSeats; ++i) {
         const Seat other = seatAt(i);
         if (other == seat || numberAt(set, other) != number) continue;
@@ -35,8 +34,7 @@ Status renumberDriver(CarSet& set, Seat seat, int number) {
         if (old >= 1 && old <= kDriverNumbers) std::swap(set.drivers[old], set.drivers[number]);
         std::swap(numberAt(set, seat), numberAt(set, other));
         set.assignDriverFlags();
-        set.markDirty();
-        return {};
+        return true;
     }
     if (old >= 1 && old <= kDriverNumbers) {
         set.drivers[number] = set.drivers[old];
@@ -44,8 +42,7 @@ Status renumberDriver(CarSet& set, Seat seat, int number) {
     }
     numberAt(set, seat) = std::int16_t(number);
     set.assignDriverFlags();
-    set.markDirty();
-    return {};
+    return true;
 }
 
 int shownDriverNumber(const CarSet& set, int number) { return number == 1 && set.driverZero() ? 0 : number; }

@@ -26,8 +26,9 @@ bool exchangeSeats(CarSet& set, Seat a, Seat b);
 // Gives the driver in `seat` the racing number `number` (1-40). When another
 // seat holds that number the two drivers exchange numbers; otherwise the
 // driver's record moves to the new number and the old number is freed.
-// Refuses numbers outside 1-40 with "Bad Driver Numbers.".
-Status renumberDriver(CarSet& set, Seat seat, int number);
+// Refuses numbers outside 1-40 with "Bad Driver Numbers."; gives whether the
+// set changed (false when the driver already has that number).
+Result<bool> renumberDriver(CarSet& set, Seat seat, int number);
 
 // The number a driver is shown and typed with: driver 1 is shown as 0 while
 // DriverZero is set. typedDriverNumber gives -1 for a number that names no driver.

@@ -1,26 +1,24 @@
 #include "carset/GripForm.h"
 
 namespace tarvel {
+namespace {
+const ElementRule& gripRule() { return elementRule(*findFieldSpec(FieldPlace::Driver, "gripRace"), 0); }
+const ElementRule& randomRule() { return elementRule(*findFieldSpec(FieldPlace::Driver, "gripRandom"), 0); }
 
-GripRange gripDisplayRange(bool highGrip) {
-    if (highGrip) return {kGripStoredMin, kGripStoredMax};
-    return {0, kGripStoredMax - kGripStoredMin};
+Result<std::uint16_t> stored(Result<long long> value) {
+    if (!value) return fail(value.error());
+    return std::uint16_t(*value);
 }
+}  // namespace
 
-int gripToDisplay(std::uint16_t stored, bool highGrip) {
-    return highGrip ? int(stored) : int(stored) - kGripStoredMin;
-}
+GripRange gripDisplayRange(bool highGrip) { return displayRange(gripRule(), highGrip); }
+
+int gripToDisplay(std::uint16_t stored, bool highGrip) { return int(toDisplay(gripRule(), stored, highGrip)); }
 
 Result<std::uint16_t> gripFromDisplay(long long shown, bool highGrip) {
-    const GripRange range = gripDisplayRange(highGrip);
-    if (shown < range.low || shown > range.high)
-        return fail(highGrip ? MessageId::RangeDriverGripHigh : MessageId::RangeDriverGripLow);
-    return std::uint16_t(highGrip ? shown : shown + kGripStoredMin);
+    return stored(fromDisplay(gripRule(), shown, highGrip));
 }
 
-Result<std::uint16_t> gripRandomFromDisplay(long long shown) {
-    if (shown < 0 || shown > kGripStoredMax) return fail(MessageId::RangeDriverGripRandom);
-    return std::uint16_t(shown);
-}
+Result<std::uint16_t> gripRandomFromDisplay(long long shown) { return stored(fromDisplay(randomRule(), shown, false)); }
 
 }  // namespace tarvel

@@ -62,7 +62,6 @@ bool moveTeam(CarSet& set, int from, int to) {
         }
     }
     set.recountAssets();
-    set.markDirty();
     return true;
 }
 

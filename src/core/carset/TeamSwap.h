@@ -15,7 +15,7 @@ std::array<int, kRacingTeams> teamListAfterMove(int from, int to);
 
 // Moves team `from` to position `to` of the list and rebuilds slots 0-13 from
 // the new order. Does nothing when from == to or either is outside 0-13.
-// Returns true when something moved (the set is then marked dirty).
+// Returns true when something moved.
 bool moveTeam(CarSet& set, int from, int to);
 
 }  // namespace tarvel

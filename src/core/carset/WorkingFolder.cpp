@@ -1,5 +1,7 @@
 #include "carset/WorkingFolder.h"
 
+#include "carset/AssetKinds.h"
+
 #include <cstdio>
 #include <cctype>
 #include <string_view>
@@ -8,6 +10,7 @@
 namespace tarvel {
 
 namespace {
+// `format` is a NUL-terminated printf pattern with one number.
 std::filesystem::path numbered(const std::filesystem::path& folder, const char* format, int n) {
     char name[32];
     std::snprintf(name, sizeof name, format, n);
@@ -25,9 +28,9 @@ std::filesystem::path workingFolderPath(std::time_t startTime) {
 }
 
 std::filesystem::path teamBitmapFile(const std::filesystem::path& f, int team) { return numbered(f, "TEAM%.2d.BMP", team); }
-std::filesystem::path jamBitmapFile(const std::filesystem::path& f, int number) { return numbered(f, "JAM%.3d.BMP", number); }
-std::filesystem::path soundFile(const std::filesystem::path& f, int slot) { return numbered(f, "WAV%.2d.WAV", slot); }
-std::filesystem::path menuHelmetFile(const std::filesystem::path& f, int slot) { return numbered(f, "MENU%.2d.BMP", slot); }
+std::filesystem::path jamBitmapFile(const std::filesystem::path& f, int number) { return numbered(f, assetkinds::kJamWorkingFile.data(), number); }
+std::filesystem::path soundFile(const std::filesystem::path& f, int slot) { return numbered(f, assetkinds::kSoundWorkingFile.data(), slot); }
+std::filesystem::path menuHelmetFile(const std::filesystem::path& f, int slot) { return numbered(f, assetkinds::kMenuHelmetWorkingFile.data(), slot); }
 std::filesystem::path helmetFile(const std::filesystem::path& f, int n) { return numbered(f, "THEL%.2d.BMP", n); }
 std::filesystem::path temporaryCarSetFile(const std::filesystem::path& f) { return f / "TARVEL.TMP"; }
 

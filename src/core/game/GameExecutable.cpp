@@ -14,9 +14,9 @@ namespace {
 
 constexpr int kSeats = 2 * kRacingTeams;
 constexpr int kNumberList = kSeats + 2 * kSpareSlots;   // 36
-constexpr std::uint16_t kGripMin = 15751;
-constexpr std::uint16_t kGripMax = 32767;
-constexpr std::uint16_t kCapMax = 32767;
+constexpr std::uint16_t kGripMin = fieldrange::kGrip.low;
+constexpr std::uint16_t kGripMax = fieldrange::kGrip.high;
+constexpr std::uint16_t kCapMax = fieldrange::kPositive.high;
 constexpr std::uint16_t kSpareGrip = 30751;
 constexpr std::uint16_t kSpareGripRange = 500;
 constexpr std::string_view kExeName = "GP2.EXE";

@@ -3,6 +3,7 @@
 // its cockpit and pit crew colour tables.
 
 #include "carset/CarSet.h"
+#include "carset/FieldSchema.h"
 #include "common/Result.h"
 
 #include <cstdint>
@@ -49,7 +50,7 @@ constexpr std::uint16_t encodePower(std::uint16_t power) { return std::uint16_t(
 constexpr std::uint16_t decodePower(std::uint16_t raw) {
     if (raw < 32817) raw = 32817;
     unsigned power = raw - 32817u;
-    return std::uint16_t(power > 1579 ? 1579 : power);
+    return std::uint16_t(power > unsigned(fieldrange::kEnginePower.high) ? fieldrange::kEnginePower.high : power);
 }
 
 }  // namespace tarvel

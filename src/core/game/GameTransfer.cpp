@@ -1,5 +1,6 @@
 #include "game/GameTransfer.h"
 
+#include "carset/AssetKinds.h"
 #include "carset/CarSetFile.h"
 #include "carset/CarSetPictures.h"
 #include "carset/WorkingFolder.h"
@@ -13,6 +14,7 @@
 #include "game/TransferItems.h"
 
 #include <algorithm>
+#include <cassert>
 #include <charconv>
 #include <optional>
 
@@ -103,13 +105,13 @@ Status exportHelmetsJam(const CarSet& set, const ItemCall& call) {
 // Menu helmets go to the working folder; the slots take them over once the
 // whole import has succeeded.
 Status importMenuHelmet(CarSet&, const ItemCall& call) {
-    int slot = call.item - 16;
+    const int slot = assetSlotOfTransferItem(call.item)->slot;   // items 16-43: menu helmets 0-27
     if (!ExportMenuHelmet(call.context.gameFolder, slot, menuHelmetFile(call.context.workingFolder, slot), &call.progress))
         return fail(MessageId::FailedToImportMenuHelmet);
     return {};
 }
 Status exportMenuHelmet(const CarSet& set, const ItemCall& call) {
-    int slot = call.item - 16;
+    const int slot = assetSlotOfTransferItem(call.item)->slot;   // items 16-43: menu helmets 0-27
     if (set.menuHelmets[std::size_t(slot)].status == kAssetEmpty) return {};   // the game keeps its own
     auto picture = slotBitmap(set, AssetKind::MenuHelmet, slot, kMenuHelmetSide, kMenuHelmetSide);
     if (!picture || !ImportMenuHelmet(call.context.gameFolder, slot, *picture, &call.progress))
@@ -118,28 +120,27 @@ Status exportMenuHelmet(const CarSet& set, const ItemCall& call) {
 }
 
 // Wheels (items 48-51) and the other JAM files (158-356): the game's file
-// becomes the working folder's JAM%.3d.BMP and the slot points at it.
-AssetSlot& jamItemSlot(CarSet& set, int item) {
-    return item <= 51 ? set.wheels[std::size_t(item - 48)] : set.jams[std::size_t(item - 139)];
+// becomes the working folder's JAM%.3d.BMP and the slot points at it. The
+// item table only routes those items here.
+AssetItemSlot jamItemSlot(int item) {
+    const auto slot = assetSlotOfTransferItem(item);
+    assert(slot && (slot->kind == AssetKind::Wheel || slot->kind == AssetKind::Jam));
+    return *slot;
 }
-const AssetSlot& jamItemSlot(const CarSet& set, int item) {
-    return item <= 51 ? set.wheels[std::size_t(item - 48)] : set.jams[std::size_t(item - 139)];
-}
-
 Status importJamItem(CarSet& set, const ItemCall& call) {
     int number = transferItemJamNumber(call.item);
     std::filesystem::path working = jamBitmapFile(call.context.workingFolder, number);
     if (!ExportJamToBitmap(call.context.gameFolder, number, working, pictureOptions(call), &call.progress))
         return fail(MessageId::FailedToConvertJam);
-    setSlot(jamItemSlot(set, call.item), working);
+    const AssetItemSlot target = jamItemSlot(call.item);
+    setSlot(*findAssetSlot(set, target.kind, target.slot), working);
     return {};
 }
 Status exportJamItem(const CarSet& set, const ItemCall& call) {
-    if (jamItemSlot(set, call.item).status == kAssetEmpty) return {};   // the game keeps its own
+    const AssetItemSlot source = jamItemSlot(call.item);
+    if (findAssetSlot(set, source.kind, source.slot)->status == kAssetEmpty) return {};   // the game keeps its own
     int number = transferItemJamNumber(call.item);
-    AssetKind kind = call.item <= 51 ? AssetKind::Wheel : AssetKind::Jam;
-    int slot = call.item <= 51 ? call.item - 48 : call.item - 139;
-    auto picture = slotBitmap(set, kind, slot, kJamCanvasWidth, JamInfo(number, 0));
+    auto picture = slotBitmap(set, source.kind, source.slot, kJamCanvasWidth, JamInfo(number, 0));
     if (!picture) return fail(MessageId::FailedToPatchJam);
     return PatchGameJam(call.context.gameFolder, *picture, number, pictureOptions(call), &call.progress);
 }
@@ -172,12 +173,12 @@ const TransferItemRange& rangeOf(int item) {
     return kItemRanges.front();
 }
 
-bool selected(const CarSet& set, int item) { return set.transferItems[std::size_t(item)] != 0; }
+bool selected(const TransferSelection& items, int item) { return items[std::size_t(item)] != 0; }
 
 // Every selected item's game file must exist; it is made writable on the way.
-Status checkGameFiles(const CarSet& set, const GameContext& context) {
+Status checkGameFiles(const TransferSelection& items, const GameContext& context) {
     for (int item = 0; item < kTransferItemCount; ++item) {
-        if (!selected(set, item) || !transferItemAvailable(item)) continue;
+        if (!selected(items, item) || !transferItemAvailable(item)) continue;
         TransferItemInfo info = transferItemInfo(item);
         if (info.gameFile.empty()) continue;
         auto path = findGameFile(context.gameFolder, info.gameFile);
@@ -193,7 +194,8 @@ struct RunOutcome {
 };
 
 template <class Set, class Run>
-RunOutcome runItems(Set& set, const GameContext& context, Progress& progress, bool useStateFile, Run run) {
+RunOutcome runItems(Set& set, const TransferSelection& items, const GameContext& context, Progress& progress,
+                    bool useStateFile, Run run) {
     RunOutcome outcome;
     ItemCall call{0, context, useStateFile, progress};
     for (int item = 0; item < kTransferItemCount; ++item) {
@@ -201,7 +203,7 @@ RunOutcome runItems(Set& set, const GameContext& context, Progress& progress, bo
             outcome.aborted = true;
             break;
         }
-        if (!selected(set, item) || !transferItemAvailable(item)) continue;
+        if (!selected(items, item) || !transferItemAvailable(item)) continue;
         const TransferItemRange& range = rangeOf(item);
         progress.setCategory(range.label);
         call.item = item;
@@ -217,9 +219,9 @@ RunOutcome runItems(Set& set, const GameContext& context, Progress& progress, bo
     return outcome;
 }
 
-bool anySelected(const CarSet& set, std::initializer_list<int> items) {
+bool anySelected(const TransferSelection& selection, std::initializer_list<int> items) {
     for (int item : items)
-        if (selected(set, item)) return true;
+        if (selected(selection, item)) return true;
     return false;
 }
 
@@ -244,12 +246,12 @@ bool transferItemAvailable(int item) {
     return range.importItem != nullptr && range.exportItem != nullptr;
 }
 
-void selectAvailableTransferItems(CarSet& set) {
-    for (int item = 0; item < kTransferItemCount; ++item) set.transferItems[std::size_t(item)] = transferItemAvailable(item) ? 1 : 0;
+void selectAvailableTransferItems(TransferSelection& selection) {
+    for (int item = 0; item < kTransferItemCount; ++item) selection[std::size_t(item)] = transferItemAvailable(item) ? 1 : 0;
 }
 
-Result<std::array<std::uint16_t, kTransferItemCount>> parseTransferItemList(std::string_view list) {
-    std::array<std::uint16_t, kTransferItemCount> selection{};
+Result<TransferSelection> parseTransferItemList(std::string_view list) {
+    TransferSelection selection{};
     const auto invalid = [] { return fail(MessageId::InvalidField, "--items"); };
     const auto number = [](std::string_view text, int& value) {
         if (text.empty()) return false;
@@ -278,32 +280,34 @@ Result<std::array<std::uint16_t, kTransferItemCount>> parseTransferItemList(std:
     return selection;
 }
 
-Status ImportFromGame(CarSet& set, const GameContext& context, Progress& progress) {
+Status ImportFromGame(CarSet& set, const TransferSelection& items, const GameContext& context, Progress& progress,
+                      bool& changed) {
+    changed = false;
     if (context.version < 0 || context.version >= kGameReleaseCount) return fail(MessageId::UnsupportedVersion);
-    if (Status files = checkGameFiles(set, context); !files) return files;
+    if (Status files = checkGameFiles(items, context); !files) return files;
     bool useStateFile = CheckStateFile(context.gameFolder);
-    RunOutcome outcome = runItems(set, context, progress, useStateFile,
+    RunOutcome outcome = runItems(set, items, context, progress, useStateFile,
                                   [](const TransferItemRange& range, CarSet& s, const ItemCall& call) {
                                       return range.importItem(s, call);
                                   });
-    bool anything = false;
-    for (auto flag : set.transferItems) anything = anything || (flag != 0);
-    if (anything) set.markDirty();
+    // Whatever was read before a failure or an abort stays in the set.
+    for (auto flag : items) changed = changed || (flag != 0);
     if (outcome.aborted) return fail(MessageId::ImportAborted);
     if (outcome.error) return fail(*outcome.error);
-    if (anySelected(set, {0, 44, 47})) set.carNumbers = set.carNumbersImport;
+    if (anySelected(items, {0, 44, 47})) set.carNumbers = set.carNumbersImport;
     for (int slot = 0; slot < kMenuHelmetCount; ++slot)
-        if (selected(set, 16 + slot))
+        if (selected(items, transferItemOfAssetSlot(AssetKind::MenuHelmet, slot)))
             setSlot(set.menuHelmets[std::size_t(slot)], menuHelmetFile(context.workingFolder, slot));
     set.recountAssets();
     return {};
 }
 
-Status ExportToGame(const CarSet& set, const GameContext& context, Progress& progress, std::vector<Message>* notices) {
+Status ExportToGame(const CarSet& set, const TransferSelection& items, const GameContext& context, Progress& progress,
+                    std::vector<Message>* notices) {
     if (context.version < 0 || context.version >= kGameReleaseCount) return fail(MessageId::UnsupportedVersion);
-    if (Status files = checkGameFiles(set, context); !files) return files;
+    if (Status files = checkGameFiles(items, context); !files) return files;
     bool useStateFile = CheckStateFile(context.gameFolder);
-    RunOutcome outcome = runItems(set, context, progress, useStateFile,
+    RunOutcome outcome = runItems(set, items, context, progress, useStateFile,
                                   [](const TransferItemRange& range, const CarSet& s, const ItemCall& call) {
                                       return range.exportItem(s, call);
                                   });

@@ -4,6 +4,7 @@
 // other JAM files, ...), run behind a Progress that can abort between items.
 
 #include "carset/CarSet.h"
+#include "carset/CarSetDocument.h"
 #include "common/Config.h"
 #include "common/Progress.h"
 #include "common/Result.h"
@@ -41,28 +42,31 @@ struct TransferItemInfo {
 TransferItemInfo transferItemInfo(int item);
 bool transferItemAvailable(int item);
 
-// Selects every available item (and only those) in set.transferItems.
-void selectAvailableTransferItems(CarSet& set);
+// Selects every available item (and only those).
+void selectAvailableTransferItems(TransferSelection& selection);
 
 // Parses "0,1-14,47" into a selection. Unknown or malformed entries give
 // "Invalid value for %s." (arg "--items"); an item this build cannot transfer
 // gives MessageId::ItemNotAvailable with the item number as argument.
-Result<std::array<std::uint16_t, kTransferItemCount>> parseTransferItemList(std::string_view list);
+Result<TransferSelection> parseTransferItemList(std::string_view list);
 
-// Fills `set` from the game for every selected item of set.transferItems.
+// Fills `set` from the game for every selected item of `items`.
 // Failure: the message of the first failing item, "Import from Game Aborted."
 // when progress.aborted() turned true, "Unsupported Version." when the
 // context's version is -1, "File Not Found - %s." before anything is read.
 // What was read before a failure or an abort stays in the set; the import
 // copies (car number layout) are taken over only after full success.
-Status ImportFromGame(CarSet& set, const GameContext& context, Progress& progress);
+// `changed` tells whether the set may have changed (anything was selected
+// and the game files were found), also when the import then failed.
+Status ImportFromGame(CarSet& set, const TransferSelection& items, const GameContext& context, Progress& progress,
+                      bool& changed);
 
-// Writes every selected item of set.transferItems into the game. Failure: as
+// Writes every selected item of `items` into the game. Failure: as
 // for the import, with "Export to Game Aborted."; when an abort and an item
 // failure both happened, the returned message is the abort and `notices`
 // receives the item's message (to be shown after it). Nothing is written when
 // a game file is missing.
-Status ExportToGame(const CarSet& set, const GameContext& context, Progress& progress,
+Status ExportToGame(const CarSet& set, const TransferSelection& items, const GameContext& context, Progress& progress,
                     std::vector<Message>* notices = nullptr);
 
 }  // namespace tarvel

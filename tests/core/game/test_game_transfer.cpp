@@ -21,8 +21,8 @@ protected:
         fs::create_directories(context.workingFolder);
     }
     void select(std::initializer_list<int> items) {
-        set.transferItems.fill(0);
-        for (int item : items) set.transferItems[std::size_t(item)] = 1;
+        selection.fill(0);
+        for (int item : items) selection[std::size_t(item)] = 1;
     }
     fs::path exe() const { return folder.path() / "GP2.EXE"; }
     fs::path state() const { return folder.path() / "F1GSTATE.SAV"; }
@@ -30,20 +30,22 @@ protected:
     TempFolder folder{"transfer"};
     GameContext context;
     CarSet set;
+    TransferSelection selection{};
+    bool changed = false;
     RecordingProgress progress;
 };
 
 TEST_F(GameTransfer, ImportTakesNamesFromAValidStateFileAndPerformanceFromTheExecutable) {
     makeGame();
     select({0, 44, 47});
-    ASSERT_TRUE(ImportFromGame(set, context, progress));
+    ASSERT_TRUE(ImportFromGame(set, selection, context, progress, changed));
     EXPECT_EQ(fieldText(set.teams[0].name), "Save Team 00");
     EXPECT_EQ(fieldText(set.drivers[1].name), "Save Driver 01");
     EXPECT_EQ(set.teams[4].powerRace, fixtureRacePowerRaw(4) - 32817);
     EXPECT_EQ(set.teams[2].teamBytesA[1], fixtureCockpitColour(7, true)) << "state file colours win";
     EXPECT_EQ(set.teams[2].teamBytesB[3], fixturePitCrewColour(35));
     EXPECT_EQ(set.carNumbers.partA[10], fixtureLayoutByte(10)) << "the import copy is taken over";
-    EXPECT_TRUE(set.document.dirty);
+    EXPECT_TRUE(changed);
     EXPECT_EQ(progress.categories, (std::vector<std::string>{"Team Data", "Cockpit Colours", "Pit Crew Colours"}));
     ASSERT_FALSE(progress.files.empty());
     EXPECT_EQ(progress.files.front(), "GP2.EXE");
@@ -56,7 +58,7 @@ TEST_F(GameTransfer, ImportWithoutOrWithABrokenStateFileUsesTheExecutable) {
         options.validStateTrailer = false;
         makeGame(options);
         select({0, 44});
-        ASSERT_TRUE(ImportFromGame(set, context, progress));
+        ASSERT_TRUE(ImportFromGame(set, selection, context, progress, changed));
         EXPECT_EQ(fieldText(set.teams[0].name), "\xC9quipe Rouge");
         EXPECT_EQ(fieldText(set.drivers[1].name), "Fran\xE7ois Le Pilote 1234");
         EXPECT_EQ(set.teams[2].teamBytesA[1], fixtureCockpitColour(7, false));
@@ -69,7 +71,7 @@ TEST_F(GameTransfer, FailedImportKeepsTheFirstLayoutCopy) {
     WriteStateFileChecksum(state());
     select({0});
     CarNumberLayout before = set.carNumbers;
-    auto result = ImportFromGame(set, context, progress);
+    auto result = ImportFromGame(set, selection, context, progress, changed);
     ASSERT_FALSE(result);
     EXPECT_EQ(result.error().id, MessageId::BadDriverNumbers);
     EXPECT_EQ(set.carNumbers, before);
@@ -81,7 +83,7 @@ TEST_F(GameTransfer, ExportWithTheStateFileWritesBothFiles) {
     setFieldText(set.teams[3].name, "Both Files");
     setFieldText(set.drivers[std::size_t(set.teams[3].driver[0])].name, "Named Twice");
     set.teams[3].teamBytesA = {9, 8, 7};
-    ASSERT_TRUE(ExportToGame(set, context, progress));
+    ASSERT_TRUE(ExportToGame(set, selection, context, progress));
     Bytes exeBytes = readFileBytes(exe());
     Bytes stateBytes = readFileBytes(state());
     EXPECT_EQ(fieldAt(exeBytes, at(fixture::kNames, 0) + 960 + 39, 13), "Both Files");
@@ -100,7 +102,7 @@ TEST_F(GameTransfer, ExportWithoutAValidStateFileLeavesItAlone) {
     makeGame(options);
     Bytes before = readFileBytes(state());
     select({0, 44});
-    ASSERT_TRUE(ExportToGame(set, context, progress));
+    ASSERT_TRUE(ExportToGame(set, selection, context, progress));
     EXPECT_EQ(readFileBytes(state()), before);
 }
 
@@ -118,13 +120,11 @@ TEST_F(GameTransfer, ExportThenImportRoundTripForEveryRelease) {
         }
         setFieldText(source.drivers[std::size_t(source.teams[0].driver[1])].name, "\xD1o\xF1o Mu\xF1oz Hern\xE1ndez Jr");
         source.drivers[std::size_t(source.teams[0].driver[1])].gripQual = 23456;
-        source.transferItems.fill(0);
-        source.transferItems[0] = source.transferItems[44] = source.transferItems[47] = 1;
-        ASSERT_TRUE(ExportToGame(source, context, progress)) << "release " << release;
+        select({0, 44, 47});
+        ASSERT_TRUE(ExportToGame(source, selection, context, progress)) << "release " << release;
 
         CarSet back;
-        back.transferItems = source.transferItems;
-        ASSERT_TRUE(ImportFromGame(back, context, progress)) << "release " << release;
+        ASSERT_TRUE(ImportFromGame(back, selection, context, progress, changed)) << "release " << release;
         for (int team = 0; team < 14; ++team) {
             EXPECT_EQ(fieldText(back.teams[std::size_t(team)].name), fieldText(source.teams[std::size_t(team)].name));
             EXPECT_EQ(back.teams[std::size_t(team)].powerQual, 700 + team);
@@ -144,7 +144,7 @@ TEST_F(GameTransfer, AbortDuringTheFirstItemStopsBeforeTheNext) {
     select({0, 44});
     progress.abortAfter = "Team Data";
     auto before = set.teams[1].teamBytesA;
-    auto result = ImportFromGame(set, context, progress);
+    auto result = ImportFromGame(set, selection, context, progress, changed);
     ASSERT_FALSE(result);
     EXPECT_EQ(result.error().id, MessageId::ImportAborted);
     EXPECT_EQ(messageText(result.error()), "Import from Game Aborted.");
@@ -156,7 +156,7 @@ TEST_F(GameTransfer, AbortDuringTheFirstItemStopsBeforeTheNext) {
     RecordingProgress exportProgress;
     exportProgress.abortAfter = "Team Data";
     set.teams[1].teamBytesA = {3, 3, 3};
-    auto written = ExportToGame(set, context, exportProgress);
+    auto written = ExportToGame(set, selection, context, exportProgress);
     ASSERT_FALSE(written);
     EXPECT_EQ(messageText(written.error()), "Export to Game Aborted.");
     EXPECT_EQ(exportProgress.categories, std::vector<std::string>{"Team Data"});
@@ -169,7 +169,7 @@ TEST_F(GameTransfer, AbortDuringAFailingItemReportsTheAbortThenTheFailure) {
     select({0, 44});
     progress.abortAfter = "Team Data";
     std::vector<Message> notices;
-    auto written = ExportToGame(set, context, progress, &notices);
+    auto written = ExportToGame(set, selection, context, progress, &notices);
     ASSERT_FALSE(written);
     EXPECT_EQ(written.error().id, MessageId::ExportAborted);
     ASSERT_EQ(notices.size(), 1u);
@@ -178,7 +178,7 @@ TEST_F(GameTransfer, AbortDuringAFailingItemReportsTheAbortThenTheFailure) {
 
     RecordingProgress importProgress;
     importProgress.abortAfter = "Team Data";
-    EXPECT_EQ(ImportFromGame(set, context, importProgress).error().id, MessageId::ImportAborted);
+    EXPECT_EQ(ImportFromGame(set, selection, context, importProgress, changed).error().id, MessageId::ImportAborted);
 }
 
 TEST_F(GameTransfer, MissingGameFileIsRefusedBeforeAnythingIsWritten) {
@@ -186,12 +186,12 @@ TEST_F(GameTransfer, MissingGameFileIsRefusedBeforeAnythingIsWritten) {
     fs::remove(exe());
     Bytes stateBefore = readFileBytes(state());
     select({0});
-    auto result = ExportToGame(set, context, progress);
+    auto result = ExportToGame(set, selection, context, progress);
     ASSERT_FALSE(result);
     EXPECT_EQ(messageText(result.error()), "File Not Found - GP2.EXE.");
     EXPECT_TRUE(progress.categories.empty());
     EXPECT_EQ(readFileBytes(state()), stateBefore) << "the state file is untouched";
-    EXPECT_EQ(ImportFromGame(set, context, progress).error().id, MessageId::FileNotFound);
+    EXPECT_EQ(ImportFromGame(set, selection, context, progress, changed).error().id, MessageId::FileNotFound);
 }
 
 TEST_F(GameTransfer, ReadOnlyFilesAreMadeWritable) {
@@ -200,7 +200,7 @@ TEST_F(GameTransfer, ReadOnlyFilesAreMadeWritable) {
     fs::permissions(state(), fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write, fs::perm_options::remove);
     select({0});
     setFieldText(set.teams[0].name, "Writable");
-    ASSERT_TRUE(ExportToGame(set, context, progress));
+    ASSERT_TRUE(ExportToGame(set, selection, context, progress));
     EXPECT_EQ(fieldAt(readFileBytes(exe()), at(fixture::kNames, 0) + 960, 13), "Writable");
     EXPECT_EQ(fieldAt(readFileBytes(state()), fixture::kStateTeams, 13), "Writable");
 }
@@ -209,11 +209,11 @@ TEST_F(GameTransfer, FailuresCarryTheItemsMessage) {
     makeGame();
     fs::resize_file(exe(), 1950000);
     select({44});
-    EXPECT_EQ(messageText(ImportFromGame(set, context, progress).error()), "Couldn't Read Data from GP2.EXE.");
-    EXPECT_EQ(messageText(ExportToGame(set, context, progress).error()), "GP2.EXE was not Patched Correctly.");
+    EXPECT_EQ(messageText(ImportFromGame(set, selection, context, progress, changed).error()), "Couldn't Read Data from GP2.EXE.");
+    EXPECT_EQ(messageText(ExportToGame(set, selection, context, progress).error()), "GP2.EXE was not Patched Correctly.");
     select({0, 47});
     RecordingProgress second;
-    EXPECT_FALSE(ExportToGame(set, context, second));
+    EXPECT_FALSE(ExportToGame(set, selection, context, second));
     EXPECT_EQ(second.categories, std::vector<std::string>{"Team Data"}) << "no item runs after a failure";
 }
 
@@ -222,15 +222,15 @@ TEST_F(GameTransfer, UnknownReleaseAndEmptySelection) {
     select({});
     Bytes before = readFileBytes(exe());
     CarSet copy = set;
-    ASSERT_TRUE(ImportFromGame(set, context, progress));
-    ASSERT_TRUE(ExportToGame(set, context, progress));
+    ASSERT_TRUE(ImportFromGame(set, selection, context, progress, changed));
+    ASSERT_TRUE(ExportToGame(set, selection, context, progress));
     EXPECT_TRUE(progress.categories.empty());
     EXPECT_EQ(readFileBytes(exe()), before);
     EXPECT_EQ(set.teams[0].powerRace, copy.teams[0].powerRace);
     context.version = -1;
     select({0});
-    EXPECT_EQ(messageText(ImportFromGame(set, context, progress).error()), "Unsupported Version.");
-    EXPECT_EQ(ExportToGame(set, context, progress).error().id, MessageId::UnsupportedVersion);
+    EXPECT_EQ(messageText(ImportFromGame(set, selection, context, progress, changed).error()), "Unsupported Version.");
+    EXPECT_EQ(ExportToGame(set, selection, context, progress).error().id, MessageId::UnsupportedVersion);
 }
 
 TEST(TransferItems, TableAndSelection) {
@@ -248,10 +248,10 @@ TEST(TransferItems, TableAndSelection) {
     EXPECT_EQ(transferItemInfo(356).label, "JAM Files");
     for (int item : {0, 1, 14, 15, 16, 43, 44, 47, 48, 51, 158, 356}) EXPECT_TRUE(transferItemAvailable(item)) << item;
     for (int item : {45, 46, 52, 53, 54, 55, 154, 155, 156, 157, -1, 357}) EXPECT_FALSE(transferItemAvailable(item)) << item;
-    CarSet set;
-    selectAvailableTransferItems(set);
+    TransferSelection all;
+    selectAvailableTransferItems(all);
     for (int item = 0; item < kTransferItemCount; ++item)
-        EXPECT_EQ(set.transferItems[std::size_t(item)] != 0, transferItemAvailable(item)) << item;
+        EXPECT_EQ(all[std::size_t(item)] != 0, transferItemAvailable(item)) << item;
 }
 
 TEST(TransferItems, ParseList) {

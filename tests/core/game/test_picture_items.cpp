@@ -23,20 +23,22 @@ protected:
         fs::create_directories(context.workingFolder);
     }
     void select(std::initializer_list<int> items) {
-        set.transferItems.fill(0);
-        for (int item : items) set.transferItems[std::size_t(item)] = 1;
+        selection.fill(0);
+        for (int item : items) selection[std::size_t(item)] = 1;
     }
     fs::path game(const std::string& relative) const { return folder.path() / "game" / relative; }
 
     TempFolder folder{"pictures"};
     GameContext context;
     CarSet set;
+    TransferSelection selection{};
+    bool changed = false;
     RecordingProgress progress;
 };
 
 TEST_F(PictureItems, ImportFillsLiveriesSlotsAndMenuHelmets) {
     select({1, 15, 16, 43, 48, 158});
-    auto imported = ImportFromGame(set, context, progress);
+    auto imported = ImportFromGame(set, selection, context, progress, changed);
     ASSERT_TRUE(imported) << messageText(imported.error()) << " after " << progress.categories.size() << " items";
     EXPECT_EQ(progress.categories,
               (std::vector<std::string>{"Car JAMs", "Helmets JAM", "Menu Helmets", "Menu Helmets", "Wheel JAMs", "JAM Files"}));
@@ -63,7 +65,7 @@ TEST_F(PictureItems, ExportWritesOnlySlotsThatHoldAPicture) {
     Bytes menuBefore = readFileBytes(game("BITMAPS/F1PCSVGA.BIN"));
     Bytes wheelBefore = readFileBytes(game("GAMEJAMS/B1FTR.JAM"));
     select({16, 48});
-    ASSERT_TRUE(ExportToGame(set, context, progress));
+    ASSERT_TRUE(ExportToGame(set, selection, context, progress));
     EXPECT_EQ(readFileBytes(game("BITMAPS/F1PCSVGA.BIN")), menuBefore) << "empty slots leave the game's own";
     EXPECT_EQ(readFileBytes(game("GAMEJAMS/B1FTR.JAM")), wheelBefore);
 }
@@ -86,7 +88,7 @@ TEST_F(PictureItems, ExportTakesSlotPicturesFromTheirFiles) {
 
     Bytes wheelBefore = readFileBytes(game("GAMEJAMS/B2FTR.JAM"));
     select({21, 49});
-    ASSERT_TRUE(ExportToGame(set, context, progress));
+    ASSERT_TRUE(ExportToGame(set, selection, context, progress));
     EXPECT_NE(readFileBytes(game("GAMEJAMS/B2FTR.JAM")), wheelBefore);
     auto back = readMenuHelmet(context.gameFolder, 5);
     ASSERT_TRUE(back);
@@ -98,7 +100,7 @@ TEST_F(PictureItems, ExportTakesSlotPicturesFromTheirFiles) {
     set.wheels[1].status = kAssetExternal;
     setFieldText(set.wheels[1].path, (folder.path() / "missing.bmp").string());
     select({49});
-    EXPECT_FALSE(ExportToGame(set, context, progress)) << "an unreadable picture fails the item";
+    EXPECT_FALSE(ExportToGame(set, selection, context, progress)) << "an unreadable picture fails the item";
 }
 
 TEST_F(PictureItems, MissingJamIsRefusedBeforeAnythingIsWritten) {
@@ -106,7 +108,7 @@ TEST_F(PictureItems, MissingJamIsRefusedBeforeAnythingIsWritten) {
     Bytes exeBefore = readFileBytes(game("GP2.EXE"));
     Bytes stateBefore = readFileBytes(game("F1GSTATE.SAV"));
     select({0, 1});
-    auto result = ExportToGame(set, context, progress);
+    auto result = ExportToGame(set, selection, context, progress);
     ASSERT_FALSE(result);
     EXPECT_EQ(messageText(result.error()), "File Not Found - WILLIAMS.JAM.");
     EXPECT_EQ(readFileBytes(game("GP2.EXE")), exeBefore);
@@ -116,7 +118,7 @@ TEST_F(PictureItems, MissingJamIsRefusedBeforeAnythingIsWritten) {
 TEST_F(PictureItems, DamagedJamFailsTheImportWithItsMessage) {
     fs::resize_file(game("GAMEJAMS/TYRRELL.JAM"), 10);
     select({1, 2, 3});
-    auto result = ImportFromGame(set, context, progress);
+    auto result = ImportFromGame(set, selection, context, progress, changed);
     ASSERT_FALSE(result);
     EXPECT_EQ(messageText(result.error()), "Failed to Convert JAM File.");
     EXPECT_EQ(progress.categories, (std::vector<std::string>{"Car JAMs", "Car JAMs"})) << "item 3 never runs";

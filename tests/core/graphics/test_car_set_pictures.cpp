@@ -50,23 +50,19 @@ TEST(CarSetPictures, LiveryLoadSetsSourceAndDirtyAndFailureChangesNothing) {
     ScratchFolder dir;
     CarSet set;
     fillDefaultPictures(set);
-    set.document.dirty = false;
     BitmapBuffer picture(256, 164);
     pixelAt(picture, 7, 9) = 77;
     ASSERT_TRUE(SaveBitmap8(dir / "car.bmp", picture, {}));
     ASSERT_TRUE(loadTeamLivery(set, 5, dir / "car.bmp"));
-    EXPECT_TRUE(set.document.dirty);
     EXPECT_EQ(set.team(5).carBitmap.status, kAssetExternal);
     EXPECT_EQ(slotPath(set.team(5).carBitmap), (dir / "car.bmp").string());
     EXPECT_EQ(set.liveries[5][std::size_t(164 - 1 - 9) * 256 + 7], 77);
 
     CarSet before = set;
-    set.document.dirty = false;
     ASSERT_TRUE(SaveBitmap8(dir / "bad.bmp", BitmapBuffer(256, 165), {}));
     auto refused = loadTeamLivery(set, 6, dir / "bad.bmp");
     ASSERT_FALSE(refused);
     EXPECT_EQ(refused.error().id, MessageId::CouldntLoadBitmap);
-    EXPECT_FALSE(set.document.dirty);
     EXPECT_EQ(set.liveries[6], before.liveries[6]);
     EXPECT_EQ(set.team(6).carBitmap.status, before.team(6).carBitmap.status);
     EXPECT_FALSE(loadTeamLivery(set, 14, dir / "car.bmp")) << "only teams 0-13 have liveries";
@@ -123,9 +119,7 @@ TEST(CarSetPictures, HelmetSheetFromAndIntoTheGame) {
     ASSERT_TRUE(exportHelmetsToGame(set, game.path(), options));
     std::vector<std::uint8_t> defaults = set.helmetSheet;
     set.helmetSheet.assign(kHelmetSheetPixels, 0);
-    set.document.dirty = false;
     ASSERT_TRUE(importHelmetsFromGame(set, game.path(), work.path(), options));
-    EXPECT_TRUE(set.document.dirty);
     EXPECT_TRUE(std::filesystem::exists(jamBitmapFile(work.path(), 14)));
     // The fixture's helmet rectangles match the sheet layout: every helmet comes back.
     BitmapBuffer sheet = helmetSheetBitmap(set);
@@ -154,7 +148,6 @@ TEST(CarSetPictures, HelmetSheetFiles) {
     other.helmetSheet.assign(kHelmetSheetPixels, 3);
     ASSERT_TRUE(loadHelmetSheetFile(other, dir / "s.bmp"));
     EXPECT_EQ(other.helmetSheet, set.helmetSheet);
-    EXPECT_TRUE(other.document.dirty);
     std::vector<std::uint8_t> kept = other.helmetSheet;
     EXPECT_FALSE(loadHelmetSheetFile(other, dir / "missing.bmp"));
     EXPECT_EQ(other.helmetSheet, kept);

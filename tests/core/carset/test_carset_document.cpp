@@ -1,0 +1,107 @@
+// The document: file state around the set, the window title and the
+// save-changes question.
+#include "carset/CarSetDocument.h"
+#include "carset/DocumentTitle.h"
+#include "carset/WorkingFolder.h"
+
+#include "CarSetTestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace tarvel {
+namespace {
+
+using test::ScratchFolder;
+
+TEST(CarSetDocument, OpenSaveAndResetKeepSetAndStateTogether) {
+    ScratchFolder dir;
+    std::filesystem::create_directories(dir / "work");
+    std::ofstream(jamBitmapFile(dir / "work", 19)) << "temporary";
+    std::ofstream(dir / "work" / "KEEP.TXT") << "not ours";
+
+    CarSetDocument document;
+    document.state.workingFolder = dir / "work";
+    document.state.currentTeam = 6;
+    document.state.transferItems[3] = 1;
+    document.set.teams[2].powerRace = 1234;
+    document.state.dirty = true;
+    ASSERT_TRUE(saveDocumentAs(document, dir / "a.gp2", {}));
+    EXPECT_FALSE(document.state.dirty);
+    EXPECT_TRUE(document.state.hasFile);
+    EXPECT_EQ(document.state.path, dir / "a.gp2");
+    EXPECT_TRUE(document.set.storedItems);
+
+    // A failed open leaves set and state as they were, temporary files included.
+    document.state.dirty = true;
+    const CarSetDocument before = document;
+    EXPECT_EQ(openDocument(document, dir / "missing.gp2", {}).error().id, MessageId::CouldntOpenCarSetFile);
+    EXPECT_TRUE(document.state.dirty);
+    EXPECT_EQ(document.state.path, before.state.path);
+    EXPECT_EQ(document.set.storedItems, before.set.storedItems);
+    EXPECT_TRUE(std::filesystem::exists(jamBitmapFile(dir / "work", 19)));
+
+    // An open takes the file's set and resets the file state; the team shown,
+    // the working folder and the selection stay; temporary files go.
+    document.set.teams[2].powerRace = 1;
+    ASSERT_TRUE(openDocument(document, dir / "a.gp2", {}));
+    EXPECT_EQ(document.set.teams[2].powerRace, 1234);
+    EXPECT_FALSE(document.state.dirty);
+    EXPECT_EQ(document.state.loadedVersion, 180);
+    EXPECT_EQ(document.state.currentTeam, 6);
+    EXPECT_EQ(document.state.transferItems[3], 1);
+    EXPECT_FALSE(std::filesystem::exists(jamBitmapFile(dir / "work", 19)));
+    EXPECT_TRUE(std::filesystem::exists(dir / "work" / "KEEP.TXT"));
+
+    // A failed save keeps the unsaved changes and the old file name.
+    document.state.dirty = true;
+    EXPECT_EQ(saveDocumentAs(document, dir / "no-such-folder" / "b.gp2", {}).error().id, MessageId::CouldntSaveCarSet);
+    EXPECT_TRUE(document.state.dirty);
+    EXPECT_EQ(document.state.path, dir / "a.gp2");
+    ASSERT_TRUE(saveDocument(document, {}));
+    EXPECT_FALSE(document.state.dirty);
+
+    std::ofstream(soundFile(dir / "work", 3)) << "temporary";
+    resetDocument(document);
+    EXPECT_EQ(document.set.teams[2].powerRace, 760);
+    EXPECT_FALSE(document.set.storedItems);
+    EXPECT_FALSE(document.state.hasFile);
+    EXPECT_TRUE(document.state.path.empty());
+    EXPECT_EQ(document.state.currentTeam, 0);
+    EXPECT_EQ(document.state.workingFolder, dir / "work");
+    EXPECT_FALSE(std::filesystem::exists(soundFile(dir / "work", 3)));
+    EXPECT_EQ(saveDocument(document, {}).error().id, MessageId::CouldntSaveCarSet);   // no file to save to
+}
+
+TEST(DocumentTitle, NameAndAssetCounts) {
+    struct Case {
+        const char* path;        // nullptr: no file
+        std::array<int, 5> counts;   // wheels, cockpits, JAM files, menu helmets, sounds
+        const char* title;
+        const char* question;
+    };
+    const Case cases[] = {
+        {nullptr, {0, 0, 0, 0, 0}, "Tarvel-32 v1.86 - [ ..... ]", "Save Changes to Car Set?"},
+        {nullptr, {0, 0, 0, 1, 100}, "Tarvel-32 v1.86 - [ ..... ] - H(1) - S(100)", "Save Changes to Car Set?"},
+        {"/some/where/my set.gp2", {4, 2, 199, 36, 0}, "Tarvel-32 v1.86 - [ my set.gp2 ] - W(4) - C(2) - J(199) - H(36)",
+         "Save Changes to MY SET.GP2?"},
+    };
+    for (const Case& c : cases) {
+        CarSetDocument document;
+        if (c.path) {
+            document.state.hasFile = true;
+            document.state.path = c.path;
+        }
+        document.set.wheelCount = std::uint8_t(c.counts[0]);
+        document.set.cockpitCount = std::uint8_t(c.counts[1]);
+        document.set.jamCount = std::uint8_t(c.counts[2]);
+        document.set.menuHelmetCount = std::uint8_t(c.counts[3]);
+        document.set.soundCount = std::uint8_t(c.counts[4]);
+        EXPECT_EQ(documentTitle(document), c.title);
+        EXPECT_EQ(messageText(saveChangesQuestion(document)), c.question);
+    }
+}
+
+}  // namespace
+}  // namespace tarvel
