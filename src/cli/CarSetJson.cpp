@@ -169,7 +169,7 @@ void applyAssets(CarSet& set, const Json& v) {
         std::string name = member("assets", key);
         const AssetKindInfo* kind = findAssetKind(key);
         if (!kind) throw InvalidValue{name};
-        std::span<AssetSlot> slots = kind->slots(set);
+        std::span<AssetSlot> slots = kind->editSlots(set);
         const Json& entries = array(value, name, slots.size());
         for (std::size_t i = 0; i < entries.size(); ++i) applyAsset(slots[i], entries[i], indexed(name, i));
     }

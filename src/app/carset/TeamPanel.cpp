@@ -11,7 +11,7 @@
 #include "shell/Workbench.h"
 
 #include "carset/DriverSeats.h"
-#include "carset/GripForm.h"
+#include "carset/FieldSchema.h"
 #include "carset/TeamSwap.h"
 
 #include <QCheckBox>
@@ -27,20 +27,18 @@
 namespace tarvel {
 namespace {
 
-// The three car performance values: caption, maximum, field.
-struct PerformanceSpec {
-    const char* caption;
-    int maximum;
-    std::uint16_t TeamRecord::*field;
-};
-constexpr std::array<PerformanceSpec, 3> kPerformance{{
-    {"Power (Race/Practice)", 1579, &TeamRecord::powerRace},
-    {"Power (Qualification)", 1579, &TeamRecord::powerQual},
-    {"Car Failure Probability", 32767, &TeamRecord::failureProbability},
-}};
-constexpr std::array<const char*, 3> kGripCaptions{"Grip (Race/Practice)", "Grip (Qualification)", "Random Grip Range"};
-constexpr std::array<std::uint16_t DriverRecord::*, 3> kGripFields{&DriverRecord::gripRace, &DriverRecord::gripQual,
-                                                                    &DriverRecord::gripRandom};
+// The three car performance values and the three grips of a driver, as the
+// field schema describes them (caption, range, how they are shown).
+constexpr std::array<std::string_view, 3> kPerformanceFields{"powerRace", "powerQual", "failureProbability"};
+constexpr std::array<std::string_view, 3> kGripFields{"gripRace", "gripQual", "gripRandom"};
+
+const FieldSpec& performanceSpec(int which) { return *findFieldSpec(FieldPlace::Team, kPerformanceFields[std::size_t(which)]); }
+const FieldSpec& gripSpec(int which) { return *findFieldSpec(FieldPlace::Driver, kGripFields[std::size_t(which)]); }
+const ElementRule& rule(const FieldSpec& field) { return elementRule(field, 0); }
+QString caption(const FieldSpec& field) {
+    const std::string_view text = rule(field).caption;
+    return QString::fromUtf8(text.data(), qsizetype(text.size()));
+}
 
 const char* const kActiveHeader = " --- ACTIVE DRIVERS ---------";
 const char* const kSpareHeader = " --- SPARE DRIVERS ----------";
@@ -68,13 +66,13 @@ TeamPanel::TeamPanel(Workbench& bench, QWidget* parent) : QWidget(parent), bench
 // ---------------------------------------------------------------- building
 
 void TeamPanel::buildControls() {
-    auto caption = [this](const char* text, int x, int y, int w = 132) {
+    auto label = [this](const QString& text, int x, int y, int w = 132) {
         auto* label = new QLabel(text, this);
         label->setGeometry(x, y, w, 14);
         return label;
     };
 
-    caption("Teams", 16, 31);
+    label("Teams", 16, 31);
     teamList_ = new TeamList(this);
     teamList_->setGeometry(16, 47, 132, 200);
     teamList_->setStyleSheet("QListWidget::item { padding: 0px; margin: 0px; height: 14px; }");
@@ -83,12 +81,12 @@ void TeamPanel::buildControls() {
     });
     connect(teamList_, &TeamList::moveRequested, this, &TeamPanel::requestTeamMove);
 
-    caption("Team Name", 16, 251);
+    label("Team Name", 16, 251);
     teamName_ = new QLineEdit(this);
     teamName_->setGeometry(16, 266, 132, 22);
     teamName_->setMaxLength(kTeamNameSize - 1);
     connect(teamName_, &QLineEdit::textEdited, this, [this](const QString& t) { teamTextEdited(false, t); });
-    caption("Engine", 16, 290);
+    label("Engine", 16, 290);
     engine_ = new QLineEdit(this);
     engine_->setGeometry(16, 305, 132, 22);
     engine_->setMaxLength(kTeamNameSize - 1);
@@ -123,13 +121,14 @@ void TeamPanel::buildControls() {
 
     for (int i = 0; i < 3; ++i) {
         const int y = 314 + 26 * i;
-        caption(kPerformance[std::size_t(i)].caption, 169, y, 130);
+        label(caption(performanceSpec(i)), 169, y, 130);
         perfValue_[std::size_t(i)] = new QLabel(this);
         perfValue_[std::size_t(i)]->setGeometry(300, y, 40, 14);
         perfValue_[std::size_t(i)]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         auto* bar = new QScrollBar(Qt::Horizontal, this);
         bar->setGeometry(169, 327 + 26 * i, 164, 12);
-        bar->setRange(0, kPerformance[std::size_t(i)].maximum);
+        const FieldRange range = displayRange(rule(performanceSpec(i)), false);
+        bar->setRange(range.low, range.high);
         bar->setPageStep(i == 2 ? 1000 : 50);
         connect(bar, &QScrollBar::valueChanged, this, [this, i](int v) { performanceChanged(i, v); });
         perfBar_[std::size_t(i)] = bar;
@@ -159,7 +158,7 @@ void TeamPanel::buildDriverControls(int car, int top) {
     connect(d.name, &QLineEdit::textEdited, this, [this, car](const QString& t) { driverNameEdited(car, t); });
     for (int w = 0; w < 3; ++w) {
         const int y = 128 + 25 * w + dy;
-        auto* label = new QLabel(kGripCaptions[std::size_t(w)], this);
+        auto* label = new QLabel(caption(gripSpec(w)), this);
         label->setGeometry(433, y, 128, 12);
         auto* value = new QLineEdit(this);
         value->setGeometry(563, y - 2, 35, 14);
@@ -233,7 +232,7 @@ void TeamPanel::refreshTeam() {
     engine_->setText(fromModel(fieldText(team.engine)));
     highNose_->setChecked(team.highNose != 0);
     for (int i = 0; i < 3; ++i) {
-        const int value = team.*kPerformance[std::size_t(i)].field;
+        const int value = int(fieldValue(bench_.document.set(), performanceSpec(i), bench_.document.currentTeam(), 0));
         perfBar_[std::size_t(i)]->setValue(value);
         perfValue_[std::size_t(i)]->setText(QString::number(value));
     }
@@ -267,20 +266,13 @@ void TeamPanel::refreshDriver(int car) {
     const int number = team.driver[std::size_t(car)];
     const bool valid = number >= 1 && number <= kDriverNumbers;
     d.number->setText(valid ? QString::number(shownDriverNumber(set, number)) : QString());
-    const DriverRecord blank;
-    const DriverRecord& driver = valid ? set.driver(number) : blank;
-    d.name->setText(fromModel(fieldText(driver.name)));
+    d.name->setText(valid ? fromModel(fieldText(set.driver(number).name)) : QString());
     const bool high = bench_.session.config.highGrip;
     for (int w = 0; w < 3; ++w) {
-        const int stored = driver.*kGripFields[std::size_t(w)];
-        int shown = stored;
-        if (w < 2) {
-            const GripRange range = gripDisplayRange(high);
-            d.gripBar[std::size_t(w)]->setRange(range.low, range.high);
-            shown = gripToDisplay(std::uint16_t(stored), high);
-        } else {
-            d.gripBar[std::size_t(w)]->setRange(0, kGripStoredMax);
-        }
+        const ElementRule& grip = rule(gripSpec(w));
+        const FieldRange range = displayRange(grip, high);
+        const int shown = int(toDisplay(grip, valid ? fieldValue(set, gripSpec(w), number, 0) : 0, high));
+        d.gripBar[std::size_t(w)]->setRange(range.low, range.high);
         d.gripBar[std::size_t(w)]->setValue(shown);
         d.gripValue[std::size_t(w)]->setText(QString::number(shown));
         d.gripBar[std::size_t(w)]->setEnabled(valid);
@@ -341,8 +333,7 @@ void TeamPanel::performanceChanged(int which, int value) {
     perfValue_[std::size_t(which)]->setText(QString::number(value));
     if (updating_) return;
     ownEdit(Document::Teams, [&](CarSet& set) {
-        set.team(bench_.document.currentTeam()).*kPerformance[std::size_t(which)].field = std::uint16_t(value);
-        return true;
+        return setFieldValue(set, performanceSpec(which), bench_.document.currentTeam(), 0, value);
     });
 }
 
@@ -364,8 +355,8 @@ void TeamPanel::driverNumberTyped(int car) {
     const int number = ok ? typedDriverNumber(bench_.document.set(), typed) : -1;
     if (number == currentDriverNumber(car)) return;
     const Seat seat{bench_.document.currentTeam(), car};
-    const Status status = ownEdit(Document::Drivers, [&](CarSet& set) { return renumberDriver(set, seat, number); });
-    showStatus(bench_, status);
+    const auto renumbered = ownEdit(Document::Drivers, [&](CarSet& set) { return renumberDriver(set, seat, number); });
+    if (!renumbered) showMessage(bench_, renumbered.error());
     refreshDrivers();
 }
 
@@ -385,16 +376,9 @@ void TeamPanel::gripBarMoved(int car, int which, int value) {
     if (updating_) return;
     const int number = currentDriverNumber(car);
     if (number < 1 || number > kDriverNumbers) return;
-    std::uint16_t stored = std::uint16_t(value);
-    if (which < 2) {
-        const auto converted = gripFromDisplay(value, bench_.session.config.highGrip);
-        if (!converted) return;
-        stored = *converted;
-    }
-    ownEdit(Document::Drivers, [&](CarSet& set) {
-        set.driver(number).*kGripFields[std::size_t(which)] = stored;
-        return true;
-    });
+    const auto stored = fromDisplay(rule(gripSpec(which)), value, bench_.session.config.highGrip);
+    if (!stored) return;
+    ownEdit(Document::Drivers, [&](CarSet& set) { return setFieldValue(set, gripSpec(which), number, 0, *stored); });
 }
 
 void TeamPanel::gripTyped(int car, int which) {
@@ -407,20 +391,16 @@ void TeamPanel::gripTyped(int car, int which) {
     bool ok = true;
     long long typed = text.isEmpty() ? 0 : text.toLongLong(&ok);
     if (!ok) typed = -1;
-    const auto converted =
-        which == 2 ? gripRandomFromDisplay(typed) : gripFromDisplay(typed, bench_.session.config.highGrip);
-    if (!converted) {
-        showMessage(bench_, converted.error());
+    const auto stored = fromDisplay(rule(gripSpec(which)), typed, bench_.session.config.highGrip);
+    if (!stored) {
+        showMessage(bench_, stored.error());
         refreshDriver(car);
         field->setFocus();
         field->selectAll();
         return;
     }
-    if (*converted == bench_.document.set().driver(number).*kGripFields[std::size_t(which)]) return;
-    ownEdit(Document::Drivers, [&](CarSet& set) {
-        set.driver(number).*kGripFields[std::size_t(which)] = *converted;
-        return true;
-    });
+    if (*stored == fieldValue(bench_.document.set(), gripSpec(which), number, 0)) return;
+    ownEdit(Document::Drivers, [&](CarSet& set) { return setFieldValue(set, gripSpec(which), number, 0, *stored); });
     refreshDriver(car);
 }
 

@@ -31,21 +31,14 @@ void importFromGame(Workbench& bench) {
     const GameContext context = gameContext(session);
     session.detectStateFile();
     Status status;
-    // The import marks the set dirty once it has read something; a refused
-    // import (a missing game file) leaves it as it was.
+    // The import marks the set dirty once it has read something, even when it
+    // then fails; a refused import (a missing game file) leaves it as it was.
     bench.document.edit(Document::Everything, [&](CarSet& set) {
-        selectAvailableTransferItems(set);
-        const bool wasDirty = set.document.dirty;
-        set.document.dirty = false;
-        {
-            // The modal progress window keeps every other command away meanwhile.
-            ProgressWindow progress("Importing...", &bench.window);
-            progress.show();
-            status = ImportFromGame(set, context, progress);
-        }
-        set.recountAssets();
-        const bool changed = set.document.dirty;
-        set.document.dirty = wasDirty || changed;
+        bool changed = false;
+        // The modal progress window keeps every other command away meanwhile.
+        ProgressWindow progress("Importing...", &bench.window);
+        progress.show();
+        status = ImportFromGame(set, bench.document.transferItems(), context, progress, changed);
         return changed;
     });
     showStatus(bench, status);
@@ -57,13 +50,11 @@ void exportToGame(Workbench& bench) {
     session.detectStateFile();
     std::vector<Message> notices;
     Status status;
-    bench.document.edit(0, [&](CarSet& set) {
-        selectAvailableTransferItems(set);
+    {
         ProgressWindow progress("Exporting...", &bench.window);
         progress.show();
-        status = ExportToGame(set, context, progress, &notices);
-        return false;
-    });
+        status = ExportToGame(bench.document.set(), bench.document.transferItems(), context, progress, &notices);
+    }
     showStatus(bench, status);
     for (const Message& notice : notices) showMessage(bench, notice);
 }

@@ -3,6 +3,7 @@
 #include "shell/Session.h"
 
 #include "carset/DocumentTitle.h"
+#include "game/GameTransfer.h"
 #include "common/CodePage.h"
 
 #include <QFileInfo>
@@ -17,59 +18,59 @@ std::filesystem::path toPath(const QString& path) { return std::filesystem::path
 }  // namespace
 
 Document::Document(Session& session, QObject* parent)
-    : QObject(parent), session_(session), set_(std::make_unique<CarSet>()) {
-    set_->document.workingFolder = session_.workingFolder;
+    : QObject(parent), session_(session), doc_(std::make_unique<CarSetDocument>()) {
+    doc_->state.workingFolder = session_.workingFolder;
 }
 
 Document::~Document() = default;
 
 void Document::markChanged(unsigned what) {
-    set_->markDirty();
+    doc_->state.dirty = true;
     emit changed(what | File);
 }
 
-bool Document::hasFile() const { return set_->document.hasFile; }
-bool Document::isDirty() const { return set_->document.dirty; }
-QString Document::path() const { return QString::fromStdString(set_->document.path.string()); }
-QString Document::title() const { return QString::fromStdString(windows1252ToUtf8(documentTitle(*set_))); }
-Message Document::saveChangesQuestion() const { return tarvel::saveChangesQuestion(*set_); }
+bool Document::hasFile() const { return doc_->state.hasFile; }
+bool Document::isDirty() const { return doc_->state.dirty; }
+QString Document::path() const { return QString::fromStdString(doc_->state.path.string()); }
+QString Document::title() const { return QString::fromStdString(windows1252ToUtf8(documentTitle(*doc_))); }
+Message Document::saveChangesQuestion() const { return tarvel::saveChangesQuestion(*doc_); }
+
+const TransferSelection& Document::transferItems() {
+    selectAvailableTransferItems(doc_->state.transferItems);
+    return doc_->state.transferItems;
+}
 CarSetFileOptions Document::fileOptions() const { return CarSetFileOptions{session_.config.checkSum, true}; }
 
-int Document::currentTeam() const { return set_->document.currentTeam; }
+int Document::currentTeam() const { return doc_->state.currentTeam; }
 
 void Document::setCurrentTeam(int team) {
     team = std::clamp(team, 0, kRacingTeams - 1);
-    if (team == set_->document.currentTeam) return;
-    set_->document.currentTeam = team;
+    if (team == doc_->state.currentTeam) return;
+    doc_->state.currentTeam = team;
     emit changed(CurrentTeam);
 }
 
 Status Document::load(const QString& path, std::vector<Message>* notices) {
-    if (auto status = loadCarSet(*set_, toPath(path), fileOptions(), notices); !status) {
-        set_->document.workingFolder = session_.workingFolder;
-        return status;
-    }
-    set_->document.path = toPath(QFileInfo(path).absoluteFilePath());
+    if (auto status = openDocument(*doc_, toPath(path), fileOptions(), notices); !status) return status;
+    doc_->state.path = toPath(QFileInfo(path).absoluteFilePath());
     afterFileChange();
     return {};
 }
 
 Status Document::saveTo(const QString& path) {
-    if (auto status = saveCarSet(*set_, toPath(path), fileOptions()); !status) return status;
-    set_->document.path = toPath(QFileInfo(path).absoluteFilePath());
-    set_->document.workingFolder = session_.workingFolder;
+    if (auto status = saveDocumentAs(*doc_, toPath(path), fileOptions()); !status) return status;
+    doc_->state.path = toPath(QFileInfo(path).absoluteFilePath());
     emit changed(File);
     return {};
 }
 
 void Document::reset() {
-    set_->resetToDefaults();
+    resetDocument(*doc_);
     afterFileChange();
 }
 
 void Document::afterFileChange() {
-    set_->document.workingFolder = session_.workingFolder;
-    set_->document.currentTeam = 0;
+    doc_->state.currentTeam = 0;
     liveryUndo_.reset();
     emit changed(Everything);
 }
@@ -83,7 +84,7 @@ void Document::setAutofileLive(bool live) {
 
 bool Document::setOpenFileAsAutofile() {
     if (!hasFile()) return false;
-    session_.config.autoFile = set_->document.path.string();
+    session_.config.autoFile = doc_->state.path.string();
     const bool written = session_.writeAutoFile(session_.config.autoFile);
     setAutofileLive(true);
     return written;
@@ -98,7 +99,7 @@ bool Document::removeAutofile() {
 
 void Document::rememberLivery() {
     const int team = currentTeam();
-    liveryUndo_ = LiveryUndo{team, set_->liveries[std::size_t(team)], set_->team(team).carBitmap};
+    liveryUndo_ = LiveryUndo{team, set().liveries[std::size_t(team)], set().team(team).carBitmap};
 }
 
 void Document::forgetLivery() { liveryUndo_.reset(); }
@@ -107,8 +108,8 @@ bool Document::canUndoLivery() const { return liveryUndo_ && liveryUndo_->team =
 
 void Document::undoLivery() {
     if (!canUndoLivery()) return;
-    set_->liveries[std::size_t(liveryUndo_->team)] = liveryUndo_->pixels;
-    set_->team(liveryUndo_->team).carBitmap = liveryUndo_->slot;
+    doc_->set.liveries[std::size_t(liveryUndo_->team)] = liveryUndo_->pixels;
+    doc_->set.team(liveryUndo_->team).carBitmap = liveryUndo_->slot;
     liveryUndo_.reset();
     markChanged(Livery);
 }

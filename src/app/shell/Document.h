@@ -4,8 +4,7 @@
 // Every change to the car set goes through edit(), so the window and every
 // editor stay in step through the changed() signal.
 
-#include "carset/CarSet.h"
-#include "carset/CarSetFile.h"
+#include "carset/CarSetDocument.h"
 #include "common/Result.h"
 
 #include <QObject>
@@ -38,7 +37,7 @@ public:
     explicit Document(Session& session, QObject* parent = nullptr);
     ~Document() override;
 
-    const CarSet& set() const { return *set_; }
+    const CarSet& set() const { return doc_->set; }
     Session& session() const { return session_; }
 
     // Runs `change` on the car set. When it reports a change (true, or a
@@ -46,12 +45,11 @@ public:
     // emitted. Returns what `change` returned.
     template <class F>
     auto edit(unsigned what, F&& change) -> std::invoke_result_t<F, CarSet&> {
-        auto result = change(*set_);
+        auto result = change(doc_->set);
         if (succeeded(result)) markChanged(what);
         return result;
     }
-    // Marks the set dirty after a change made elsewhere through edit's
-    // reference (the import of a whole game).
+    // Marks the set dirty and tells the views.
     void markChanged(unsigned what);
 
     // File state.
@@ -61,6 +59,9 @@ public:
     QString title() const;
     Message saveChangesQuestion() const;
     CarSetFileOptions fileOptions() const;
+
+    // Which import/export items take part: every item this build can transfer.
+    const TransferSelection& transferItems();
 
     // The team on show (0-13).
     int currentTeam() const;
@@ -91,8 +92,9 @@ signals:
 
 private:
     static bool succeeded(bool changed) { return changed; }
-    template <class T>
-    static bool succeeded(const Result<T>& result) { return result.has_value(); }
+    static bool succeeded(const Status& status) { return status.has_value(); }
+    // A Result<bool> tells whether the operation changed anything.
+    static bool succeeded(const Result<bool>& changed) { return changed.has_value() && *changed; }
     void afterFileChange();
 
     struct LiveryUndo {
@@ -102,7 +104,7 @@ private:
     };
 
     Session& session_;
-    std::unique_ptr<CarSet> set_;
+    std::unique_ptr<CarSetDocument> doc_;
     bool autofileLive_ = false;
     std::optional<LiveryUndo> liveryUndo_;
 };

@@ -43,7 +43,7 @@ struct AssetKindInfo {
     std::string_view workingFile;   // temporary file name pattern in the working folder ("" none)
     int firstItem;                  // transfer item of slot firstSlot, -1 none
     int itemSlots;                  // how many slots from firstSlot have a transfer item
-    std::span<AssetSlot> (*slots)(CarSet&);
+    std::span<AssetSlot> (*editSlots)(CarSet&);
     std::span<const AssetSlot> (*view)(const CarSet&);
     std::uint8_t CarSet::*count;
 };

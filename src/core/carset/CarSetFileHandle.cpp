@@ -185,7 +185,7 @@ const AssetSlot* findAssetSlot(const CarSet& set, AssetKind kind, int slot) {
 }
 
 AssetSlot* findAssetSlot(CarSet& set, AssetKind kind, int slot) {
-    std::span<AssetSlot> slots = assetKind(kind).slots(set);
+    std::span<AssetSlot> slots = assetKind(kind).editSlots(set);
     return slot >= 0 && std::size_t(slot) < slots.size() ? &slots[std::size_t(slot)] : nullptr;
 }
 

@@ -239,7 +239,7 @@ Status readBody(CarSet& set, const CarSetFileHandle& file, int version) {
         const AssetKindInfo& k = assetKind(kind);
         e = file.directoryEntry(k.directoryEntry);
         if (e.count == 0) continue;
-        std::span<AssetSlot> slots = k.slots(set);
+        std::span<AssetSlot> slots = k.editSlots(set);
         if (version == 160) {
             if (kind == AssetKind::Wheel)
                 for (auto& w : slots) w = AssetSlot{kAssetStored, {}};

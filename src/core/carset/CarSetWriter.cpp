@@ -153,7 +153,7 @@ void markStoredAfterSave(CarSet& set) {
         set.teams[i].carBitmap = AssetSlot{kAssetStored, {}};
     }
     for (const AssetKindInfo& kind : kAssetKinds) {
-        std::span<AssetSlot> slots = kind.slots(set);
+        std::span<AssetSlot> slots = kind.editSlots(set);
         if (kind.statusMap) {
             for (int i = 0; i < kind.slotCount; ++i) {
                 AssetSlot& slot = slots[std::size_t(i)];
