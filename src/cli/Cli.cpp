@@ -177,6 +177,8 @@ std::optional<Arguments> parseArguments(const std::vector<std::string>& args, st
             ok = take(parsed.game, (options & kOptionGame) != 0, i);
         else if (a == "--items")
             ok = take(parsed.items, (options & kOptionItems) != 0, i);
+        else if (a == "--dry-run")
+            ok = (options & kOptionDryRun) != 0 && !std::exchange(parsed.dryRun, true);
         else if (a.size() > 1 && a[0] == '-')
             ok = false;
         else

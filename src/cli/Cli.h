@@ -62,12 +62,14 @@ struct Arguments {
     std::optional<std::string> output;   // -o / --output
     std::optional<std::string> game;     // --game
     std::optional<std::string> items;    // --items
+    bool dryRun = false;                 // --dry-run
 };
 enum ArgumentOption : unsigned {
     kOptionOutput = 1,           // -o may be given
     kOptionOutputRequired = 2,   // -o must be given
     kOptionGame = 4,             // --game must be given
     kOptionItems = 8,            // --items may be given
+    kOptionDryRun = 16,          // --dry-run may be given
 };
 // nullopt on an option the command does not take, a repeated or valueless
 // option, a missing required one, or a wrong number of positional arguments.

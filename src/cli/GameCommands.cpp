@@ -4,6 +4,8 @@
 #include "carset/CarSet.h"
 #include "carset/CarSetFile.h"
 #include "carset/WorkingFolder.h"
+#include "common/FileIO.h"
+#include "game/GameBackup.h"
 #include "game/GameTransfer.h"
 #include "game/GameVersion.h"
 #include "game/StateFile.h"
@@ -72,6 +74,8 @@ std::optional<int> prepare(Context& context, const Arguments& parsed, TransferRu
     GameContext& game = run.game;
     game.gameFolder = parsed.positional[0];
     game.options = context.config;
+    // A folder without the game says so before anything else is looked at.
+    if (!findGameFile(game.gameFolder, "GP2.EXE")) return failed(context, Message{MessageId::FileNotFound, "GP2.EXE"});
     game.version = DetectGameVersion(game.gameFolder);
     if (game.version < 0) return failed(context, Message{MessageId::UnsupportedVersion, {}});
     run.document = loadSet(context, parsed.positional[1]);
@@ -104,18 +108,50 @@ int runImport(Context& context, const std::vector<std::string>& args) {
 }
 
 int runExport(Context& context, const std::vector<std::string>& args) {
-    auto parsed = parseArguments(args, 2, kOptionItems);
+    auto parsed = parseArguments(args, 2, kOptionItems | kOptionDryRun);
     if (!parsed) return usageError(context);
     TransferRun run;
     if (auto code = prepare(context, *parsed, run)) return *code;
+    const CarSetDocument& document = *run.document;
+    if (parsed->dryRun) {
+        auto changes = DryRunExport(document.set, document.state.transferItems, run.game);
+        if (!changes) return failed(context, changes.error());
+        for (const FileChange& change : *changes) context.out << change.file << "\t" << change.bytesChanged << "\n";
+        return kExitOk;
+    }
+    run.game.backupsRoot = defaultBackupsRoot();
     TerminalProgress progress(context, TerminalProgress::Lines);
     std::vector<Message> notices;
-    Status exported = ExportToGame(run.document->set, run.document->state.transferItems, run.game, progress, &notices);
+    Status exported = ExportToGame(document.set, document.state.transferItems, run.game, progress, &notices);
     if (!exported) {
         int code = failed(context, exported.error());
         for (const Message& m : notices) context.err << messageText(m) << "\n";
         return code;
     }
+    return kExitOk;
+}
+
+int runBackups(Context& context, const std::vector<std::string>& args) {
+    auto parsed = parseArguments(args, 1);
+    if (!parsed) return usageError(context);
+    for (const GameBackup& backup : listGameBackups(defaultBackupsRoot(), parsed->positional[0])) {
+        context.out << backup.id;
+        if (backup.complete)
+            context.out << "\t" << backup.files.size() << " files\t" << backup.totalSize() << " bytes\n";
+        else
+            context.out << "\tincomplete\n";
+    }
+    return kExitOk;
+}
+
+int runRestore(Context& context, const std::vector<std::string>& args) {
+    auto parsed = parseArguments(args, 1);
+    if (!parsed) parsed = parseArguments(args, 2);
+    if (!parsed) return usageError(context);
+    const std::string id = parsed->positional.size() > 1 ? parsed->positional[1] : std::string();
+    auto restored = RestoreGameFiles(defaultBackupsRoot(), parsed->positional[0], id);
+    if (!restored) return failed(context, restored.error());
+    context.out << "restored " << restored->id << ": " << restored->files.size() << " files\n";
     return kExitOk;
 }
 
@@ -131,10 +167,21 @@ std::vector<Command> gameCommands() {
          "Loads SET.GP2, imports the items of LIST (e.g. 0,1-14,47; default every\n"
          "available item) from the game in DIR and saves the result as OUT.GP2.",
          runImport},
-        {"game export", "DIR SET.GP2 [--items LIST]", "exports a car set's items into the game",
+        {"game export", "DIR SET.GP2 [--items LIST] [--dry-run]", "exports a car set's items into the game",
          "Writes the items of LIST (default every available item) of SET.GP2 into the\n"
-         "game in DIR.",
+         "game in DIR, after backing up the files it will write (see game backups).\n"
+         "With --dry-run nothing is written: each file the export would change is\n"
+         "printed with the number of its bytes that would change, tab-separated.",
          runExport},
+        {"game backups", "DIR", "lists the backups taken before each export into DIR",
+         "Prints the backups of the game in DIR, newest first: the backup's ID, its\n"
+         "number of files and their size, tab-separated (or \"incomplete\").",
+         runBackups},
+        {"game restore", "DIR [ID]", "puts the files of a backup back into the game",
+         "Puts back the files of backup ID (default the newest) into the game in DIR,\n"
+         "after checking every copy against the backup's manifest; an incomplete or\n"
+         "altered backup is refused and nothing is written.",
+         runRestore},
     };
 }
 

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -21,6 +22,10 @@ struct Outcome {
 
 class CliFixture : public ::testing::Test {
 protected:
+    // Exports back up the game; the backups go to the test's own folder.
+    CliFixture() { ::setenv("TARVEL_BACKUPS", at("backups").c_str(), 1); }
+    ~CliFixture() override { ::unsetenv("TARVEL_BACKUPS"); }
+
     // Runs the tool; `input` is its standard input.
     Outcome cli(std::vector<std::string> args, const std::string& input = {}) {
         args.insert(args.begin(), {"--config", at("tarvel32.ini")});

@@ -46,7 +46,8 @@ void importFromGame(Workbench& bench) {
 
 void exportToGame(Workbench& bench) {
     Session& session = bench.session;
-    const GameContext context = gameContext(session);
+    GameContext context = gameContext(session);
+    context.backupsRoot = session.backupsRoot;
     session.detectStateFile();
     std::vector<Message> notices;
     Status status;

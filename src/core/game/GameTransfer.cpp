@@ -8,6 +8,7 @@
 #include "graphics/Jam.h"
 #include "graphics/JamCatalogue.h"
 #include "graphics/MenuHelmet.h"
+#include "game/GameBackup.h"
 #include "game/GameExecutable.h"
 #include "game/GameVersion.h"
 #include "game/StateFile.h"
@@ -16,12 +17,26 @@
 #include <algorithm>
 #include <cassert>
 #include <charconv>
+#include <ctime>
 #include <optional>
 
 namespace tarvel {
 namespace {
 
 using Direction = TransferDirection;
+
+constexpr const char* kExecutableName = "GP2.EXE";
+constexpr const char* kStateFileName = "F1GSTATE.SAV";
+
+// A new empty folder inside `parent`; empty when none could be made.
+std::filesystem::path uniqueScratchFolder(const std::filesystem::path& parent) {
+    std::error_code ec;
+    for (int n = 0; n < 1000; ++n) {
+        std::filesystem::path folder = parent / ("tarvel-rehearsal-" + std::to_string(n));
+        if (std::filesystem::create_directories(folder, ec)) return folder;
+    }
+    return {};
+}
 
 ExecutableTransferOptions exeOptions(const ItemCall& call) { return {call.context.version, call.useStateFile}; }
 
@@ -188,6 +203,14 @@ Status checkGameFiles(const TransferSelection& items, const GameContext& context
     return {};
 }
 
+// The game itself first (a folder without GP2.EXE says so, whatever the
+// items), then its release, then every selected item's file.
+Status checkGame(const TransferSelection& items, const GameContext& context) {
+    if (!findGameFile(context.gameFolder, kExecutableName)) return fail(MessageId::FileNotFound, kExecutableName);
+    if (context.version < 0 || context.version >= kGameReleaseCount) return fail(MessageId::UnsupportedVersion);
+    return checkGameFiles(items, context);
+}
+
 struct RunOutcome {
     bool aborted = false;
     std::optional<Message> error;
@@ -283,8 +306,7 @@ Result<TransferSelection> parseTransferItemList(std::string_view list) {
 Status ImportFromGame(CarSet& set, const TransferSelection& items, const GameContext& context, Progress& progress,
                       bool& changed) {
     changed = false;
-    if (context.version < 0 || context.version >= kGameReleaseCount) return fail(MessageId::UnsupportedVersion);
-    if (Status files = checkGameFiles(items, context); !files) return files;
+    if (Status game = checkGame(items, context); !game) return game;
     bool useStateFile = CheckStateFile(context.gameFolder);
     RunOutcome outcome = runItems(set, items, context, progress, useStateFile,
                                   [](const TransferItemRange& range, CarSet& s, const ItemCall& call) {
@@ -304,8 +326,12 @@ Status ImportFromGame(CarSet& set, const TransferSelection& items, const GameCon
 
 Status ExportToGame(const CarSet& set, const TransferSelection& items, const GameContext& context, Progress& progress,
                     std::vector<Message>* notices) {
-    if (context.version < 0 || context.version >= kGameReleaseCount) return fail(MessageId::UnsupportedVersion);
-    if (Status files = checkGameFiles(items, context); !files) return files;
+    if (Status game = checkGame(items, context); !game) return game;
+    if (!context.backupsRoot.empty()) {
+        auto backup = BackUpGameFiles(context.backupsRoot, context.gameFolder, exportTargetFiles(set, items, context),
+                                      std::time(nullptr));
+        if (!backup) return fail(backup.error());
+    }
     bool useStateFile = CheckStateFile(context.gameFolder);
     RunOutcome outcome = runItems(set, items, context, progress, useStateFile,
                                   [](const TransferItemRange& range, const CarSet& s, const ItemCall& call) {
@@ -317,6 +343,87 @@ Status ExportToGame(const CarSet& set, const TransferSelection& items, const Gam
     }
     if (outcome.error) return fail(*outcome.error);
     return {};
+}
+
+namespace {
+// The selected items whose export writes something: an empty picture or menu
+// helmet slot leaves the game's own file alone.
+TransferSelection writingItems(const CarSet& set, const TransferSelection& items) {
+    TransferSelection writing{};
+    for (int item = 0; item < kTransferItemCount; ++item) {
+        if (!selected(items, item) || !transferItemAvailable(item)) continue;
+        const auto slot = assetSlotOfTransferItem(item);
+        if (slot && findAssetSlot(set, slot->kind, slot->slot)->status == kAssetEmpty) continue;
+        writing[std::size_t(item)] = 1;
+    }
+    return writing;
+}
+}  // namespace
+
+std::vector<std::string> exportTargetFiles(const CarSet& set, const TransferSelection& items,
+                                           const GameContext& context) {
+    std::vector<std::string> files;
+    auto add = [&](std::string file) {
+        if (!file.empty() && std::find(files.begin(), files.end(), file) == files.end()) files.push_back(std::move(file));
+    };
+    const TransferSelection writing = writingItems(set, items);
+    for (int item = 0; item < kTransferItemCount; ++item)
+        if (selected(writing, item)) add(transferItemInfo(item).gameFile);
+    // The team data also carries the driver names into a valid state file.
+    if (selected(writing, 0) && CheckStateFile(context.gameFolder)) add(kStateFileName);
+    return files;
+}
+
+Result<std::vector<FileChange>> DryRunExport(const CarSet& set, const TransferSelection& items,
+                                             const GameContext& context) {
+    if (Status game = checkGame(items, context); !game) return fail(game.error());
+    namespace fs = std::filesystem;
+    std::error_code ec;
+    const fs::path scratch = uniqueScratchFolder(context.workingFolder.empty() ? fs::temp_directory_path(ec)
+                                                                                : context.workingFolder);
+    if (scratch.empty()) return fail(MessageId::CouldntWriteFile, context.workingFolder.string());
+    struct Removal {
+        fs::path folder;
+        ~Removal() {
+            std::error_code ignored;
+            fs::remove_all(folder, ignored);
+        }
+    } removal{scratch};
+
+    // The export reads the executable and the state file besides what it writes.
+    std::vector<std::string> files = exportTargetFiles(set, items, context);
+    std::vector<std::string> copied = files;
+    for (const char* read : {kExecutableName, kStateFileName})
+        if (std::find(copied.begin(), copied.end(), read) == copied.end()) copied.push_back(read);
+    std::vector<std::pair<std::string, Bytes>> before;
+    for (const std::string& name : copied) {
+        const auto found = findGameFile(context.gameFolder, name);
+        if (!found) continue;
+        auto data = readWholeFile(*found);
+        const fs::path copy = scratch / found->lexically_relative(context.gameFolder);
+        fs::create_directories(copy.parent_path(), ec);
+        if (!data || !writeFileAtomically(copy, *data)) return fail(MessageId::CouldntWriteFile, copy.string());
+        if (std::find(files.begin(), files.end(), name) != files.end()) before.emplace_back(name, std::move(*data));
+    }
+
+    GameContext rehearsal = context;
+    rehearsal.gameFolder = scratch;
+    rehearsal.backupsRoot.clear();
+    Progress quiet;
+    if (Status exported = ExportToGame(set, writingItems(set, items), rehearsal, quiet); !exported)
+        return fail(exported.error());
+
+    std::vector<FileChange> changes;
+    for (const auto& [name, old] : before) {
+        const auto found = findGameFile(scratch, name);
+        const auto now = found ? readWholeFile(*found) : std::nullopt;
+        if (!now) return fail(MessageId::CouldntLoadFile, name);
+        const std::size_t common = std::min(old.size(), now->size());
+        std::uint64_t differing = std::max(old.size(), now->size()) - common;
+        for (std::size_t i = 0; i < common; ++i) differing += old[i] != (*now)[i] ? 1 : 0;
+        if (differing != 0) changes.push_back(FileChange{name, differing});
+    }
+    return changes;
 }
 
 }  // namespace tarvel

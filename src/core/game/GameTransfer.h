@@ -23,6 +23,8 @@ struct GameContext {
     int version = -1;                     // DetectGameVersion's result; -1 refuses every transfer
     Config options;                       // ClearJam, FixGreen, ...
     std::filesystem::path workingFolder;  // temporary files (JAM%.3d.BMP, MENU%.2d.BMP, ...)
+    // Where an export backs up the files it is about to write; empty: no backup.
+    std::filesystem::path backupsRoot;
 };
 
 enum class TransferDirection { Import, Export };
@@ -51,7 +53,7 @@ void selectAvailableTransferItems(TransferSelection& selection);
 Result<TransferSelection> parseTransferItemList(std::string_view list);
 
 // Fills `set` from the game for every selected item of `items`.
-// Failure: the message of the first failing item, "Import from Game Aborted."
+// Failure: "File Not Found - GP2.EXE." for a folder without the game, the message of the first failing item, "Import from Game Aborted."
 // when progress.aborted() turned true, "Unsupported Version." when the
 // context's version is -1, "File Not Found - %s." before anything is read.
 // What was read before a failure or an abort stays in the set; the import
@@ -65,8 +67,23 @@ Status ImportFromGame(CarSet& set, const TransferSelection& items, const GameCon
 // for the import, with "Export to Game Aborted."; when an abort and an item
 // failure both happened, the returned message is the abort and `notices`
 // receives the item's message (to be shown after it). Nothing is written when
-// a game file is missing.
+// a game file is missing. With a backups root, the files the export will write
+// are backed up first ("Couldn't Back Up Game Files - %s." writes nothing).
 Status ExportToGame(const CarSet& set, const TransferSelection& items, const GameContext& context, Progress& progress,
                     std::vector<Message>* notices = nullptr);
+
+// The game files an export of `items` writes, as the game names them, each once
+// (an empty picture or menu helmet slot leaves the game's own file alone).
+std::vector<std::string> exportTargetFiles(const CarSet& set, const TransferSelection& items,
+                                           const GameContext& context);
+
+// What an export would change, file by file, with nothing written: the export
+// runs on copies of the files in a scratch folder that is removed afterwards.
+struct FileChange {
+    std::string file;             // as the game names it
+    std::uint64_t bytesChanged;   // bytes that differ, counting a change of length
+};
+Result<std::vector<FileChange>> DryRunExport(const CarSet& set, const TransferSelection& items,
+                                             const GameContext& context);
 
 }  // namespace tarvel
