@@ -128,9 +128,9 @@ int runJamInfo(Context& context, const std::vector<std::string>& args) {
     if (!parsed) return usageError(context, kJamInfoUsage);
     auto number = parseNumber(parsed->positional[0], 0, kJamCatalogueSize - 1);
     if (!number) return usageError(context, kJamInfoUsage);
-    const JamCatalogueEntry* entry = jamCatalogueEntry(*number);
-    context.out << entry->path << " " << JamInfo(*number, 0) << " " << JamInfo(*number, 1) << " "
-                << JamInfo(*number, 2) << "\n";
+    const JamFileInfo info = JamInfo(*number);
+    context.out << info.cataloguePath << " " << info.canvasHeight << " " << info.imageCount << " " << info.maxPalette
+                << "\n";
     return kExitOk;
 }
 
@@ -160,7 +160,7 @@ int runJamPatch(Context& context, const std::vector<std::string>& args) {
     if (!parsed) return usageError(context, kJamPatchUsage);
     auto number = parseNumber(parsed->positional[0], 0, kJamCatalogueSize - 1);
     if (!number) return usageError(context, kJamPatchUsage);
-    auto bitmap = LoadBitmap8(parsed->positional[1], kJamCanvasWidth, JamInfo(*number, 0));
+    auto bitmap = LoadBitmap8(parsed->positional[1], kJamCanvasWidth, JamInfo(*number).canvasHeight);
     if (!bitmap) return failed(context, bitmap.error());
     ProgressChoice progress(context);
     return finish(context, PatchGameJam(*parsed->game, *bitmap, *number, graphicsOptions(context.config), progress.get()));
@@ -172,7 +172,7 @@ int runMenuDecode(Context& context, const std::vector<std::string>& args) {
     auto slot = parseNumber(parsed->positional[0], 0, kMenuHelmetCount - 1);
     if (!slot) return usageError(context, kMenuDecodeUsage);
     ProgressChoice progress(context);
-    return finish(context, ExportMenuHelmet(*parsed->game, *slot, parsed->positional[1], progress.get()));
+    return finish(context, ImportMenuHelmetFromGame(*parsed->game, *slot, parsed->positional[1], progress.get()));
 }
 
 int runMenuPatch(Context& context, const std::vector<std::string>& args) {
@@ -184,7 +184,7 @@ int runMenuPatch(Context& context, const std::vector<std::string>& args) {
     auto bitmap = LoadBitmap8(parsed->positional[1], kMenuHelmetSide, kMenuHelmetSide, false);
     if (!bitmap) return failed(context, bitmap.error());
     ProgressChoice progress(context);
-    return finish(context, ImportMenuHelmet(*parsed->game, *slot, *bitmap, progress.get()));
+    return finish(context, ExportMenuHelmetToGame(*parsed->game, *slot, *bitmap, progress.get()));
 }
 
 }  // namespace

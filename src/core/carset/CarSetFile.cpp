@@ -522,7 +522,7 @@ Result<Bytes> readPictureFile(const fs::path& path, int width, int height) {
     return pixels;
 }
 
-int jamRows(int number) { return JamInfo(number, 0); }
+int jamRows(int number) { return JamInfo(number).canvasHeight; }
 
 fs::path slotPath(const AssetSlot& slot) { return fs::path(fieldText(slot.path)); }
 
@@ -798,7 +798,7 @@ Result<Bytes> buildCarSetFile(const CarSet& set, const CarSetFileOptions& option
         w.bytes(set.information.data(), n);
     }
 
-    if (w.size() > 0xFFFFFFFFu - kChecksumTrailerSize) return fail(MessageId::CouldntSaveCarSet);
+    if (!w.ok() || w.size() > 0xFFFFFFFFu - kChecksumTrailerSize) return fail(MessageId::CouldntSaveCarSet);
     appendChecksum(w.data());
     return std::move(w.data());
 }

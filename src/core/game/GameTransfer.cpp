@@ -104,7 +104,7 @@ Status exportHelmetsJam(const CarSet& set, const ItemCall& call) {
 // whole import has succeeded.
 Status importMenuHelmet(CarSet&, const ItemCall& call) {
     int slot = call.item - 16;
-    if (!ExportMenuHelmet(call.context.gameFolder, slot, menuHelmetFile(call.context.workingFolder, slot), &call.progress))
+    if (!ImportMenuHelmetFromGame(call.context.gameFolder, slot, menuHelmetFile(call.context.workingFolder, slot), &call.progress))
         return fail(MessageId::FailedToImportMenuHelmet);
     return {};
 }
@@ -112,7 +112,7 @@ Status exportMenuHelmet(const CarSet& set, const ItemCall& call) {
     int slot = call.item - 16;
     if (set.menuHelmets[std::size_t(slot)].status == kAssetEmpty) return {};   // the game keeps its own
     auto picture = slotBitmap(set, AssetKind::MenuHelmet, slot, kMenuHelmetSide, kMenuHelmetSide);
-    if (!picture || !ImportMenuHelmet(call.context.gameFolder, slot, *picture, &call.progress))
+    if (!picture || !ExportMenuHelmetToGame(call.context.gameFolder, slot, *picture, &call.progress))
         return fail(MessageId::FailedToExportMenuHelmet);
     return {};
 }
@@ -139,7 +139,7 @@ Status exportJamItem(const CarSet& set, const ItemCall& call) {
     int number = transferItemJamNumber(call.item);
     AssetKind kind = call.item <= 51 ? AssetKind::Wheel : AssetKind::Jam;
     int slot = call.item <= 51 ? call.item - 48 : call.item - 139;
-    auto picture = slotBitmap(set, kind, slot, kJamCanvasWidth, JamInfo(number, 0));
+    auto picture = slotBitmap(set, kind, slot, kJamCanvasWidth, JamInfo(number).canvasHeight);
     if (!picture) return fail(MessageId::FailedToPatchJam);
     return PatchGameJam(call.context.gameFolder, *picture, number, pictureOptions(call), &call.progress);
 }
@@ -182,7 +182,7 @@ Status checkGameFiles(const CarSet& set, const GameContext& context) {
         if (info.gameFile.empty()) continue;
         auto path = findGameFile(context.gameFolder, info.gameFile);
         if (!path) return fail(MessageId::FileNotFound, info.displayName);
-        clearReadOnly(*path);
+        (void)clearReadOnly(*path);   // each writer clears it again and fails if it cannot
     }
     return {};
 }
