@@ -188,7 +188,7 @@ TEST_F(IniTest, WriteConfigWritesEveryKeyButShowInfoAndAutoFile) {
     c.showInfo = true;
     c.autoFile = "/other.GP2";
     c.launchCommand = "run %s";
-    writeConfig(ini, c);
+    ASSERT_TRUE(writeConfig(ini, c));
 
     IniFile reread(path_);
     for (const char* key : {"CheckSum", "NiceGrid", "HighGrip", "ClearJam", "FixGreen", "FixStrip", "GP2Palette",
@@ -203,7 +203,7 @@ TEST_F(IniTest, WriteConfigWritesEveryKeyButShowInfoAndAutoFile) {
     EXPECT_EQ(back.launchCommand, "run %s");
 
     c.gameFolder.clear();
-    writeConfig(ini, c);
+    ASSERT_TRUE(writeConfig(ini, c));
     EXPECT_EQ(IniFile(path_).getString("Files", "Locate GP2.EXE", ""), "X");
 }
 
