@@ -42,28 +42,21 @@ TEST_F(IniTest, SectionsAndKeysIgnoreCaseAndBlanks) {
     EXPECT_EQ(ini.getString("Files", "Mosaic", "none"), "none");
 }
 
-TEST_F(IniTest, IntegersReadLikeTheProfileReader) {
-    write("[C]\nA=12abc\nB=abc\nC=  -7\nD=+5\nE=\nF=0x10\nG=4294967297\n");
+TEST_F(IniTest, IntegersAndStringsReadLikeTheProfileReader) {
+    write("[C]\nA=12abc\nB=abc\nC=  -7\nD=+5\nE=\nF=0x10\nG=4294967297\n"
+          "[S]\nA=\"  quoted \"\nB='single'\nC=\"unbalanced\nD=  in side  \n");
     IniFile ini(path_);
-    EXPECT_EQ(ini.getInt("C", "A", 99), 12);
-    EXPECT_EQ(ini.getInt("C", "B", 99), 0);
-    EXPECT_EQ(ini.getInt("C", "C", 99), -7);
-    EXPECT_EQ(ini.getInt("C", "D", 99), 5);
-    EXPECT_EQ(ini.getInt("C", "E", 99), 99);        // empty value: the default
-    EXPECT_EQ(ini.getInt("C", "F", 99), 0);         // no hexadecimal
-    EXPECT_EQ(ini.getInt("C", "G", 99), 1);         // 32-bit wrap
-    EXPECT_EQ(ini.getInt("C", "Missing", 99), 99);
+    const std::pair<const char*, int> integers[] = {
+        {"A", 12}, {"B", 0}, {"C", -7}, {"D", 5},
+        {"E", 99},        // empty value: the default
+        {"F", 0},         // no hexadecimal
+        {"G", 1},         // 32-bit wrap
+        {"Missing", 99}};
+    for (auto [key, value] : integers) EXPECT_EQ(ini.getInt("C", key, 99), value) << key;
     EXPECT_EQ(ini.getInt("NoSection", "A", -3), -3);
-}
-
-TEST_F(IniTest, StringsLoseSurroundingBlanksAndQuotes) {
-    write("[S]\nA=\"  quoted \"\nB='single'\nC=\"unbalanced\nD=  in side  \n");
-    IniFile ini(path_);
-    EXPECT_EQ(ini.getString("S", "A", ""), "  quoted ");
-    EXPECT_EQ(ini.getString("S", "B", ""), "single");
-    EXPECT_EQ(ini.getString("S", "C", ""), "\"unbalanced");
-    EXPECT_EQ(ini.getString("S", "D", ""), "in side");
-    EXPECT_EQ(ini.getString("S", "E", "dflt"), "dflt");
+    const std::pair<const char*, const char*> strings[] = {
+        {"A", "  quoted "}, {"B", "single"}, {"C", "\"unbalanced"}, {"D", "in side"}, {"E", "dflt"}};
+    for (auto [key, value] : strings) EXPECT_EQ(ini.getString("S", key, "dflt"), value) << key;
 }
 
 TEST_F(IniTest, WritingAKeyKeepsEveryOtherLine) {
@@ -205,6 +198,14 @@ TEST_F(IniTest, WriteConfigWritesEveryKeyButShowInfoAndAutoFile) {
     c.gameFolder.clear();
     ASSERT_TRUE(writeConfig(ini, c));
     EXPECT_EQ(IniFile(path_).getString("Files", "Locate GP2.EXE", ""), "X");
+
+    // A file that cannot be written is reported by its name.
+    const fs::path unwritable = temp_.path() / "missing" / "tarvel32.ini";
+    IniFile blocked(unwritable);
+    auto failed = writeConfig(blocked, c);
+    ASSERT_FALSE(failed);
+    EXPECT_EQ(failed.error().id, MessageId::CouldntWriteFile);
+    EXPECT_EQ(failed.error().arg, unwritable.string());
 }
 
 TEST(ConfigPath, EnvironmentDecidesTheLocation) {

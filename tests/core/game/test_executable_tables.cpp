@@ -1,6 +1,7 @@
 #include "GameTestSupport.h"
 #include "common/Messages.h"
 #include "game/GameExecutable.h"
+#include "game/GameNames.h"
 #include "game/StateFile.h"
 
 #include <gtest/gtest.h>
@@ -114,23 +115,42 @@ TEST_F(ExecutableTables, ImportClampsPowerFailureAndGrips) {
     EXPECT_EQ(set.drivers[1].gripRandom, 32767);
 }
 
-TEST_F(ExecutableTables, DriverNumberChecks) {
+TEST(DriverNumbers, TableIsCheckedWithTheFlagBitTakenOffAbove128) {
+    std::array<std::uint8_t, 28> good{};
+    for (int k = 0; k < 28; ++k) good[std::size_t(k)] = std::uint8_t(k + 1);
+    struct Case {
+        int seat;
+        std::uint8_t value;
+        bool valid;
+    };
+    const Case cases[] = {{3, 128, false},        // exactly 128 is not reduced and exceeds 40
+                          {3, 128 + 40, true},    // flagged 40
+                          {3, 41, false},
+                          {3, 1 + 128, false},    // team 0's first number again
+                          {3, 0, true}};          // one empty seat
+    for (const Case& c : cases) {
+        auto raw = good;
+        raw[std::size_t(c.seat)] = c.value;
+        EXPECT_EQ(driverNumbersValid(raw), c.valid) << c.seat << " " << int(c.value);
+    }
+    auto threeEmpty = good;
+    threeEmpty[0] = threeEmpty[1] = threeEmpty[2] = 0;
+    EXPECT_FALSE(driverNumbersValid(threeEmpty));
+    threeEmpty[2] = 3;
+    EXPECT_TRUE(driverNumbersValid(threeEmpty));
+}
+
+TEST_F(ExecutableTables, FlaggedNumbersImportAndBadOnesAreRefused) {
     makeGame();
     CarSet set;
-    poke(numbersAt() + 3, {128});   // exactly 128 is not reduced and exceeds 40
-    auto result = importTables(set);
-    ASSERT_FALSE(result);
-    EXPECT_EQ(result.error().id, MessageId::BadDriverNumbers);
-
-    poke(numbersAt() + 3, {128 + 40});   // flagged 40 is fine
+    poke(numbersAt() + 3, {128 + 40});
     ASSERT_TRUE(importTables(set));
     EXPECT_EQ(set.teams[1].driver[1], 40);
     EXPECT_EQ(set.teams[1].flagS[1], 1);
-
     poke(numbersAt() + 3, {41});
-    EXPECT_EQ(importTables(set).error().id, MessageId::BadDriverNumbers);
-    poke(numbersAt() + 3, {1 + 128});    // the same number as team 0's first seat
-    EXPECT_EQ(importTables(set).error().id, MessageId::BadDriverNumbers);
+    auto result = importTables(set);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().id, MessageId::BadDriverNumbers);
 }
 
 TEST_F(ExecutableTables, TwoEmptySeatsBecomeDisabledCarsThreeAreRefused) {
