@@ -89,30 +89,28 @@ TEST_F(ExecutableTables, ImportConvertsNamesFromTheGameCodePage) {
 
 TEST_F(ExecutableTables, ImportClampsPowerFailureAndGrips) {
     makeGame(3);
-    pokeU16(at(fixture::kRacePower, 3), 0);              // below the offset: power 0
-    pokeU16(at(fixture::kQualPower, 3), 40000);          // far above: 1579
-    pokeU16(at(fixture::kRacePower, 3) + 2, 32817 + 1579);
-    pokeU16(at(fixture::kQualPower, 3) + 2, 32817 + 1580);
-    pokeU16(at(fixture::kFailure, 3), 40000);
-    pokeU16(at(fixture::kFailure, 3) + 2, 32767);
-    pokeU16(at(fixture::kGripPair, 3), 100);             // number 1 qualifying grip
-    pokeU16(at(fixture::kGripPair, 3) + 2, 65535);       // number 1 race grip
-    pokeU16(at(fixture::kGripPair, 3) + 4, 15751);
-    pokeU16(at(fixture::kGripPair, 3) + 6, 32768);
-    pokeU16(at(fixture::kGripRange, 3), 50000);
+    const std::pair<std::uint32_t, std::uint16_t> pokes[] = {
+        {at(fixture::kRacePower, 3), 0},                 // below the offset: power 0
+        {at(fixture::kQualPower, 3), 40000},             // far above: 1579
+        {at(fixture::kRacePower, 3) + 2, 32817 + 1579},
+        {at(fixture::kQualPower, 3) + 2, 32817 + 1580},
+        {at(fixture::kFailure, 3), 40000},
+        {at(fixture::kFailure, 3) + 2, 32767},
+        {at(fixture::kGripPair, 3), 100},                // number 1 qualifying grip
+        {at(fixture::kGripPair, 3) + 2, 65535},          // number 1 race grip
+        {at(fixture::kGripPair, 3) + 4, 15751},
+        {at(fixture::kGripPair, 3) + 6, 32768},
+        {at(fixture::kGripRange, 3), 50000},
+    };
+    for (auto [offset, value] : pokes) pokeU16(offset, value);
     CarSet set;
     ASSERT_TRUE(importTables(set));
-    EXPECT_EQ(set.teams[0].powerRace, 0);
-    EXPECT_EQ(set.teams[0].powerQual, 1579);
-    EXPECT_EQ(set.teams[1].powerRace, 1579);
-    EXPECT_EQ(set.teams[1].powerQual, 1579);
-    EXPECT_EQ(set.teams[0].failureProbability, 32767);
-    EXPECT_EQ(set.teams[1].failureProbability, 32767);
-    EXPECT_EQ(set.drivers[1].gripQual, 15751);
-    EXPECT_EQ(set.drivers[1].gripRace, 32767);
-    EXPECT_EQ(set.drivers[2].gripQual, 15751);
-    EXPECT_EQ(set.drivers[2].gripRace, 32767);
-    EXPECT_EQ(set.drivers[1].gripRandom, 32767);
+    const TeamRecord &t0 = set.teams[0], &t1 = set.teams[1];
+    EXPECT_EQ((std::array<int, 6>{t0.powerRace, t0.powerQual, t1.powerRace, t1.powerQual, t0.failureProbability, t1.failureProbability}),
+              (std::array<int, 6>{0, 1579, 1579, 1579, 32767, 32767}));
+    const DriverRecord &d1 = set.drivers[1], &d2 = set.drivers[2];
+    EXPECT_EQ((std::array<int, 5>{d1.gripQual, d1.gripRace, d2.gripQual, d2.gripRace, d1.gripRandom}),
+              (std::array<int, 5>{15751, 32767, 15751, 32767, 32767}));
 }
 
 TEST(DriverNumbers, TableIsCheckedWithTheFlagBitTakenOffAbove128) {
@@ -253,33 +251,28 @@ TEST_F(ExecutableTables, ExportWritesTheTablesInTheGameEncoding) {
     ASSERT_TRUE(exportTables(set));
     Bytes data = readFileBytes(exe);
     ASSERT_EQ(data.size(), kFixtureExeSize);
-    const std::uint32_t names = at(fixture::kNames, 1);
-    EXPECT_EQ(data[numbersAt() + 0], 1);
-    EXPECT_EQ(data[numbersAt() + 8], 9 + 128) << "flagged seat";
-    EXPECT_EQ(data[numbersAt() + 11], 0) << "disabled seat";
+    const std::uint32_t names = at(fixture::kNames, 1), numbers = numbersAt(), pit = at(fixture::kPitBox, 1);
+    // Offset and byte: numbers (a flagged seat, a disabled seat), the high nose
+    // pairs (normalised to 1), pit boxes and the car number layout.
+    const std::pair<std::uint32_t, int> bytes[] = {
+        {numbers + 0, 1}, {numbers + 8, 9 + 128}, {numbers + 11, 0},
+        {fixture::kHighNose + 0, 0}, {fixture::kHighNose + 53, 1}, {fixture::kHighNose + 4, 2}, {fixture::kHighNose + 4 + 53, 0},
+        {pit + 0, 4}, {pit + 11, 1}, {fixture::kLayout, 255}, {fixture::kLayout + 128, 9}, {fixture::kLayout + 151, 32}};
+    for (auto [offset, value] : bytes) EXPECT_EQ(data[offset], value) << offset;
     for (int n = 0; n < 40; ++n) EXPECT_EQ(data[at(fixture::kNumberMap, 1) + std::uint32_t(n)], 0);
-    EXPECT_EQ(fieldAt(data, names + 24 * 12, 24), "Not Used");
-    EXPECT_EQ(fieldAt(data, names + 24 * 39, 24), "Spare40");
-    EXPECT_EQ(fieldAt(data, names + 24 * 29, 24), "Spare30");
-    EXPECT_EQ(fieldAt(data, names + 24 * 11, 24), "Pilot 12") << "a disabled seat's driver still gets his name";
-    EXPECT_EQ(fieldAt(data, names + 24 * 2, 24), "Jos\x82 Mar\xa1" "a Gonz\xa0lez Pe\xa4");
-    EXPECT_EQ(fieldAt(data, names + 960 + 13 * 2, 13), "\x8e\x82\x8a\x81\xa4\x87 Team!");
-    EXPECT_EQ(u16At(data, at(fixture::kRacePower, 1) + 2), 32817 + 107);
-    EXPECT_EQ(u16At(data, at(fixture::kQualPower, 1) + 2), 32817 + 1578);
-    EXPECT_EQ(u16At(data, at(fixture::kFailure, 1) + 4), 4000);
-    EXPECT_EQ(u16At(data, at(fixture::kGripPair, 1) + 4 * 2), 17000 + 270) << "qualifying grip first";
-    EXPECT_EQ(u16At(data, at(fixture::kGripPair, 1) + 4 * 2 + 2), 16000 + 300);
-    EXPECT_EQ(u16At(data, at(fixture::kGripRange, 1) + 4 * 2), 33);
-    EXPECT_EQ(data[fixture::kHighNose + 0], 0);
-    EXPECT_EQ(data[fixture::kHighNose + 53], 1) << "high nose normalised to 1";
-    EXPECT_EQ(data[fixture::kHighNose + 4], 2);
-    EXPECT_EQ(data[fixture::kHighNose + 4 + 53], 0);
-    EXPECT_EQ(data[at(fixture::kPitBox, 1) + 0], 4);
-    EXPECT_EQ(data[at(fixture::kPitBox, 1) + 11], 1);
-    for (int slot = 14; slot < 20; ++slot) EXPECT_EQ(data[at(fixture::kPitBox, 1) + std::uint32_t(slot)], slot + 1);
-    EXPECT_EQ(data[fixture::kLayout], 255);
-    EXPECT_EQ(data[fixture::kLayout + 128], 9);
-    EXPECT_EQ(data[fixture::kLayout + 151], 32);
+    for (int slot = 14; slot < 20; ++slot) EXPECT_EQ(data[pit + std::uint32_t(slot)], slot + 1);
+    // Words: power, failure, grips (qualifying first) and the grip range.
+    const std::pair<std::uint32_t, int> words[] = {
+        {at(fixture::kRacePower, 1) + 2, 32817 + 107}, {at(fixture::kQualPower, 1) + 2, 32817 + 1578},
+        {at(fixture::kFailure, 1) + 4, 4000}, {at(fixture::kGripPair, 1) + 8, 17000 + 270},
+        {at(fixture::kGripPair, 1) + 10, 16000 + 300}, {at(fixture::kGripRange, 1) + 8, 33}};
+    for (auto [offset, value] : words) EXPECT_EQ(u16At(data, offset), value) << offset;
+    // Names: placeholders, a disabled seat's driver, the game's code page.
+    const std::tuple<std::uint32_t, std::size_t, std::string> texts[] = {
+        {names + 24 * 12, 24, "Not Used"}, {names + 24 * 39, 24, "Spare40"}, {names + 24 * 29, 24, "Spare30"},
+        {names + 24 * 11, 24, "Pilot 12"}, {names + 24 * 2, 24, "Jos\x82 Mar\xa1" "a Gonz\xa0lez Pe\xa4"},
+        {names + 960 + 13 * 2, 13, "\x8e\x82\x8a\x81\xa4\x87 Team!"}};
+    for (const auto& [offset, size, text] : texts) EXPECT_EQ(fieldAt(data, offset, size), text) << offset;
 }
 
 TEST_F(ExecutableTables, ExportThenImportGivesBackTheTeamDataForEveryRelease) {
