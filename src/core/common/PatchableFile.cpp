@@ -8,7 +8,7 @@ namespace tarvel {
 namespace fs = std::filesystem;
 
 bool PatchableFile::open(const fs::path& path, Mode mode) {
-    close();
+    (void)close();   // whatever was open before is given up
     std::error_code ec;
     auto length = fs::file_size(path, ec);
     if (ec) return false;

@@ -22,21 +22,21 @@ public:
     enum Mode { ReadOnly, Update };
 
     // False when the file does not exist or cannot be opened in the mode.
-    bool open(const std::filesystem::path& path, Mode mode);
+    [[nodiscard]] bool open(const std::filesystem::path& path, Mode mode);
     bool isOpen() const { return stream_.is_open(); }
     std::uint64_t size() const { return size_; }
 
-    bool read(std::uint64_t offset, std::span<std::uint8_t> out);
-    bool write(std::uint64_t offset, std::span<const std::uint8_t> data);
-    bool readU8(std::uint64_t offset, std::uint8_t& value);
-    bool readU16(std::uint64_t offset, std::uint16_t& value);
-    bool writeU8(std::uint64_t offset, std::uint8_t value);
-    bool writeU16(std::uint64_t offset, std::uint16_t value);
+    [[nodiscard]] bool read(std::uint64_t offset, std::span<std::uint8_t> out);
+    [[nodiscard]] bool write(std::uint64_t offset, std::span<const std::uint8_t> data);
+    [[nodiscard]] bool readU8(std::uint64_t offset, std::uint8_t& value);
+    [[nodiscard]] bool readU16(std::uint64_t offset, std::uint16_t& value);
+    [[nodiscard]] bool writeU8(std::uint64_t offset, std::uint8_t value);
+    [[nodiscard]] bool writeU16(std::uint64_t offset, std::uint16_t value);
     // Extends (with zeros) or cuts the file.
-    bool resize(std::uint64_t newSize);
-    bool flush();
+    [[nodiscard]] bool resize(std::uint64_t newSize);
+    [[nodiscard]] bool flush();
     // Flushes and closes; false when a write could not be completed.
-    bool close();
+    [[nodiscard]] bool close();
 
 private:
     bool fits(std::uint64_t offset, std::size_t count) const { return offset <= size_ && count <= size_ - offset; }
@@ -54,13 +54,13 @@ private:
 // the back. Shrinking: the tail is copied from the front, and the file keeps
 // its length (the caller cuts it when it has finished writing). The first
 // piece is the tail length modulo 1024, or 1024.
-bool moveFileTail(PatchableFile& file, std::uint64_t tailStart, std::int64_t delta);
+[[nodiscard]] bool moveFileTail(PatchableFile& file, std::uint64_t tailStart, std::int64_t delta);
 
 // Writes data at offset in pieces of 1024 bytes.
-bool writeInPieces(PatchableFile& file, std::uint64_t offset, std::span<const std::uint8_t> data);
+[[nodiscard]] bool writeInPieces(PatchableFile& file, std::uint64_t offset, std::span<const std::uint8_t> data);
 
 // The same move on bytes in memory: grows the vector first when delta > 0;
 // when shrinking it keeps its length like the file.
-bool moveTail(Bytes& data, std::size_t tailStart, std::int64_t delta);
+[[nodiscard]] bool moveTail(Bytes& data, std::size_t tailStart, std::int64_t delta);
 
 }  // namespace tarvel

@@ -229,16 +229,42 @@ bool writeTables(const CarSet& set, PatchableFile& file, const ExecutableTransfe
 constexpr std::size_t kCockpitBytes = 3 * kRacingTeams;
 constexpr std::size_t kPitCrewBytes = 16 * kRacingTeams;
 
-template <std::size_t N>
-void colourBytesOut(std::span<std::uint8_t> out, const std::array<std::uint16_t, N>& values) {
-    for (std::size_t k = 0; k < N; ++k) out[k] = std::uint8_t(values[k]);
-}
-
 // Raw, or through the green fix and capped at 216.
 void prepareColours(std::span<std::uint8_t> bytes, bool fixGreen) {
     if (!fixGreen) return;
     applyPaletteFix(bytes);
     for (auto& b : bytes) b = std::min<std::uint8_t>(b, 216);
+}
+
+// The 14 teams' colour bytes of one table (W a team), as the game takes them.
+template <std::size_t W, std::size_t N>
+std::array<std::uint8_t, W * kRacingTeams> gatherColours(const CarSet& set, std::array<std::uint16_t, N> TeamRecord::*field,
+                                                         bool fixGreen) {
+    std::array<std::uint8_t, W * kRacingTeams> bytes{};
+    for (std::size_t i = 0; i < kRacingTeams; ++i) {
+        std::span<std::uint8_t> run(&bytes[W * i], W);
+        for (std::size_t k = 0; k < W; ++k) run[k] = std::uint8_t((set.teams[i].*field)[k]);
+        prepareColours(run, fixGreen);
+    }
+    return bytes;
+}
+
+// One table of GP2.EXE read or written whole.
+Status readExeTable(const std::filesystem::path& gameFolder, std::uint32_t offset, std::span<std::uint8_t> out) {
+    PatchableFile file;
+    if (!openExe(file, gameFolder, PatchableFile::ReadOnly, nullptr)) return fail(MessageId::CouldntReadGp2Exe);
+    bool ok = file.read(offset, out);
+    (void)file.close();   // read only: closing cannot lose anything
+    if (!ok) return fail(MessageId::CouldntReadGp2Exe);
+    return {};
+}
+
+Status writeExeTable(const std::filesystem::path& gameFolder, std::uint32_t offset, std::span<const std::uint8_t> data) {
+    PatchableFile file;
+    if (!openExe(file, gameFolder, PatchableFile::Update, nullptr)) return fail(MessageId::Gp2ExeNotPatched);
+    bool ok = file.write(offset, data);
+    if (!file.close() || !ok) return fail(MessageId::Gp2ExeNotPatched);
+    return {};
 }
 
 }  // namespace
@@ -260,7 +286,7 @@ Status TransferExecutableTables(CarSet& set, const std::filesystem::path& gameFo
     PatchableFile file;
     if (!openExe(file, gameFolder, PatchableFile::ReadOnly, progress)) return fail(MessageId::CouldntReadGp2Exe);
     Status read = readTables(set, file, options);
-    file.close();
+    (void)file.close();   // read only: closing cannot lose anything
     if (!read) return read;
     if (!pitBoxesValid(set)) return fail(MessageId::BadPitBoxNumbers);
     for (int i = 0; i < kRacingTeams; ++i) --set.teams[std::size_t(i)].teamOrder;
@@ -290,18 +316,15 @@ Status ImportCockpitColours(CarSet& set, const std::filesystem::path& gameFolder
         }
     };
     std::array<std::uint8_t, kCockpitBytes> bytes{};
-    PatchableFile file;
-    if (!openExe(file, gameFolder, PatchableFile::ReadOnly, nullptr)) return fail(MessageId::CouldntReadGp2Exe);
-    bool ok = file.read(gameTableOffset(GameTable::CockpitColours, options.version), bytes);
-    file.close();
-    if (!ok) return fail(MessageId::CouldntReadGp2Exe);
+    if (Status read = readExeTable(gameFolder, gameTableOffset(GameTable::CockpitColours, options.version), bytes); !read)
+        return read;
     store(bytes);
     if (options.useStateFile) {
         auto path = findGameFile(gameFolder, "F1GSTATE.SAV");
         PatchableFile state;
         if (!path || !state.open(*path, PatchableFile::ReadOnly)) return fail(MessageId::CouldntReadGp2Exe);
-        ok = state.read(statefile::kCockpitColours, bytes);
-        state.close();
+        bool ok = state.read(statefile::kCockpitColours, bytes);
+        (void)state.close();   // read only: closing cannot lose anything
         if (!ok) return fail(MessageId::CouldntReadGp2Exe);
         store(bytes);
     }
@@ -311,21 +334,15 @@ Status ImportCockpitColours(CarSet& set, const std::filesystem::path& gameFolder
 Status ExportCockpitColours(const CarSet& set, const std::filesystem::path& gameFolder,
                             const ExecutableTransferOptions& options, bool fixGreen) {
     if (!validVersion(options.version)) return fail(MessageId::UnsupportedVersion);
-    std::array<std::uint8_t, kCockpitBytes> bytes{};
-    for (int i = 0; i < kRacingTeams; ++i) {
-        std::span<std::uint8_t> run(&bytes[3 * std::size_t(i)], 3);
-        colourBytesOut(run, set.teams[std::size_t(i)].teamBytesA);
-        prepareColours(run, fixGreen);
-    }
-    PatchableFile file;
-    if (!openExe(file, gameFolder, PatchableFile::Update, nullptr)) return fail(MessageId::Gp2ExeNotPatched);
-    bool ok = file.write(gameTableOffset(GameTable::CockpitColours, options.version), bytes);
-    if (!file.close() || !ok) return fail(MessageId::Gp2ExeNotPatched);
+    const auto bytes = gatherColours<3>(set, &TeamRecord::teamBytesA, fixGreen);
+    if (Status written = writeExeTable(gameFolder, gameTableOffset(GameTable::CockpitColours, options.version), bytes);
+        !written)
+        return written;
     if (options.useStateFile) {
         auto path = findGameFile(gameFolder, "F1GSTATE.SAV");
         PatchableFile state;
         if (!path || !clearReadOnly(*path) || !state.open(*path, PatchableFile::Update)) return fail(MessageId::Gp2ExeNotPatched);
-        ok = state.write(statefile::kCockpitColours, bytes);
+        bool ok = state.write(statefile::kCockpitColours, bytes);
         if (!state.close() || !ok) return fail(MessageId::Gp2ExeNotPatched);
         if (!WriteStateFileChecksum(*path)) return fail(MessageId::Gp2ExeNotPatched);
     }
@@ -336,11 +353,8 @@ Status ImportPitCrewColours(CarSet& set, const std::filesystem::path& gameFolder
                             const ExecutableTransferOptions& options) {
     if (!validVersion(options.version)) return fail(MessageId::UnsupportedVersion);
     std::array<std::uint8_t, kPitCrewBytes> bytes{};
-    PatchableFile file;
-    if (!openExe(file, gameFolder, PatchableFile::ReadOnly, nullptr)) return fail(MessageId::CouldntReadGp2Exe);
-    bool ok = file.read(gameTableOffset(GameTable::PitCrewColours, options.version), bytes);
-    file.close();
-    if (!ok) return fail(MessageId::CouldntReadGp2Exe);
+    if (Status read = readExeTable(gameFolder, gameTableOffset(GameTable::PitCrewColours, options.version), bytes); !read)
+        return read;
     for (std::size_t k = 0; k < kPitCrewBytes; ++k) {
         std::uint8_t b = std::min<std::uint8_t>(bytes[k], 218);
         set.teams[k / 16].teamBytesB[k % 16] = b == 0 ? 1 : b;
@@ -351,17 +365,8 @@ Status ImportPitCrewColours(CarSet& set, const std::filesystem::path& gameFolder
 Status ExportPitCrewColours(const CarSet& set, const std::filesystem::path& gameFolder,
                             const ExecutableTransferOptions& options, bool fixGreen) {
     if (!validVersion(options.version)) return fail(MessageId::UnsupportedVersion);
-    std::array<std::uint8_t, kPitCrewBytes> bytes{};
-    for (int i = 0; i < kRacingTeams; ++i) {
-        std::span<std::uint8_t> run(&bytes[16 * std::size_t(i)], 16);
-        colourBytesOut(run, set.teams[std::size_t(i)].teamBytesB);
-        prepareColours(run, fixGreen);
-    }
-    PatchableFile file;
-    if (!openExe(file, gameFolder, PatchableFile::Update, nullptr)) return fail(MessageId::Gp2ExeNotPatched);
-    bool ok = file.write(gameTableOffset(GameTable::PitCrewColours, options.version), bytes);
-    if (!file.close() || !ok) return fail(MessageId::Gp2ExeNotPatched);
-    return {};
+    const auto bytes = gatherColours<16>(set, &TeamRecord::teamBytesB, fixGreen);
+    return writeExeTable(gameFolder, gameTableOffset(GameTable::PitCrewColours, options.version), bytes);
 }
 
 }  // namespace tarvel

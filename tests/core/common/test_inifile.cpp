@@ -127,23 +127,17 @@ TEST_F(IniTest, WritesSeeChangesMadeByAnotherProcess) {
     EXPECT_EQ(check.getInt("Config", "B", 0), 2);
 }
 
+// The 0/1 settings in the order CheckSum, NiceGrid, HighGrip, ClearJam, FixGreen,
+// FixStrip, GP2Palette, ShowInfo, SoftenMenu, TeamSwap.
+std::array<bool, 10> flags(const Config& c) {
+    return {c.checkSum, c.niceGrid, c.highGrip, c.clearJam, c.fixGreen, c.fixStrip, c.gp2Palette, c.showInfo, c.softenMenu, c.teamSwap};
+}
+
 TEST_F(IniTest, ConfigDefaultsWhenTheFileIsMissing) {
-    IniFile ini(path_);
-    Config c = readConfig(ini);
-    EXPECT_EQ(c.gameFolder, "");
-    EXPECT_EQ(c.autoFile, "");
-    EXPECT_TRUE(c.checkSum);
-    EXPECT_TRUE(c.niceGrid);
-    EXPECT_FALSE(c.highGrip);
-    EXPECT_TRUE(c.clearJam);
-    EXPECT_FALSE(c.fixGreen);
-    EXPECT_TRUE(c.fixStrip);
-    EXPECT_FALSE(c.gp2Palette);
-    EXPECT_TRUE(c.showInfo);
+    const Config c = readConfig(IniFile(path_));
+    EXPECT_EQ(flags(c), (std::array<bool, 10>{true, true, false, true, false, true, false, true, false, false}));
     EXPECT_EQ(c.mosaic, 3);
-    EXPECT_FALSE(c.softenMenu);
-    EXPECT_FALSE(c.teamSwap);
-    EXPECT_EQ(c.launchCommand, "");
+    EXPECT_EQ(c.gameFolder + c.autoFile + c.launchCommand, "");
 }
 
 TEST_F(IniTest, ConfigReadsStoredValues) {
@@ -153,10 +147,7 @@ TEST_F(IniTest, ConfigReadsStoredValues) {
     EXPECT_EQ(c.gameFolder, "");      // "X" is not set
     EXPECT_EQ(c.autoFile, "");        // "x" is "X" without regard to case
     EXPECT_EQ(c.mosaic, 4);
-    EXPECT_FALSE(c.checkSum);
-    EXPECT_TRUE(c.highGrip);
-    EXPECT_FALSE(c.showInfo);
-    EXPECT_TRUE(c.gp2Palette);
+    EXPECT_EQ(flags(c), (std::array<bool, 10>{false, true, true, true, false, true, true, false, false, false}));
     EXPECT_EQ(c.launchCommand, "dosbox \"%s\"");
 
     write("[Files]\nLocate GP2.EXE=/games/gp2\nAutoFile=/sets/a.GP2\n[Config]\nMosaic=-2\n");

@@ -282,27 +282,19 @@ TEST_F(ExecutableTables, ExportThenImportGivesBackTheTeamDataForEveryRelease) {
         ASSERT_TRUE(exportTables(set));
         CarSet back;
         ASSERT_TRUE(importTables(back)) << "release " << r;
-        for (int team = 0; team < 14; ++team) {
-            const TeamRecord& a = set.teams[std::size_t(team)];
-            const TeamRecord& b = back.teams[std::size_t(team)];
-            EXPECT_EQ(fieldText(a.name), fieldText(b.name));
-            EXPECT_EQ(fieldText(a.engine), fieldText(b.engine));
-            EXPECT_EQ(a.powerRace, b.powerRace);
-            EXPECT_EQ(a.powerQual, b.powerQual);
-            EXPECT_EQ(a.failureProbability, b.failureProbability);
-            EXPECT_EQ(a.highNose ? 1 : 0, b.highNose);
-            EXPECT_EQ(a.teamOrder, b.teamOrder);
-            EXPECT_EQ(a.driver, b.driver);
-            EXPECT_EQ(a.flagS, b.flagS);
+        // What the game keeps of a team and its drivers (the high nose as 0 or 1).
+        const auto kept = [](const CarSet& s, int team) {
+            const TeamRecord& t = s.teams[std::size_t(team)];
+            std::vector<std::string> text{fieldText(t.name), fieldText(t.engine)};
+            std::vector<int> values{t.powerRace, t.powerQual, t.failureProbability, t.highNose ? 1 : 0, t.teamOrder};
             for (int seat = 0; seat < 2; ++seat) {
-                const DriverRecord& da = set.drivers[std::size_t(a.driver[std::size_t(seat)])];
-                const DriverRecord& db = back.drivers[std::size_t(b.driver[std::size_t(seat)])];
-                EXPECT_EQ(fieldText(da.name), fieldText(db.name));
-                EXPECT_EQ(da.gripRace, db.gripRace);
-                EXPECT_EQ(da.gripQual, db.gripQual);
-                EXPECT_EQ(da.gripRandom, db.gripRandom);
+                const DriverRecord& d = s.drivers[std::size_t(t.driver[std::size_t(seat)])];
+                text.push_back(fieldText(d.name));
+                values.insert(values.end(), {t.driver[std::size_t(seat)], t.flagS[std::size_t(seat)], d.gripRace, d.gripQual, d.gripRandom});
             }
-        }
+            return std::pair{text, values};
+        };
+        for (int team = 0; team < 14; ++team) EXPECT_EQ(kept(back, team), kept(set, team)) << "release " << r << " team " << team;
         EXPECT_EQ(back.carNumbersImport, set.carNumbers);
     }
 }

@@ -75,25 +75,19 @@ TEST(Bitmap, SaveAndLoadRoundTripWithOddWidth) {
 }
 
 TEST(Bitmap, WrongSizeDepthOrCompressionIsRefused) {
-    Bytes good = encodeBitmap8(patterned(74, 15), {});
+    const Bytes good = encodeBitmap8(patterned(74, 15), {});
     ASSERT_TRUE(decodeBitmap8(good, 74, 15));
-    EXPECT_FALSE(decodeBitmap8(good, 74, 16));
-    EXPECT_FALSE(decodeBitmap8(good, 75, 15));
-    EXPECT_FALSE(decodeBitmap8(good, 73, 15));
-    Bytes fourBit = good;
-    storeU16(&fourBit[28], 4);
-    EXPECT_FALSE(decodeBitmap8(fourBit, 74, 15));
-    Bytes rle = good;
-    storeU32(&rle[30], 1);
-    EXPECT_FALSE(decodeBitmap8(rle, 74, 15));
-    Bytes notBm = good;
-    notBm[0] = 'X';
-    EXPECT_FALSE(decodeBitmap8(notBm, 74, 15));
-    Bytes topDown = good;
-    storeU32(&topDown[22], std::uint32_t(-15));
-    EXPECT_FALSE(decodeBitmap8(topDown, 74, 15));
-    Bytes shortFile(good.begin(), good.end() - 1);
-    auto r = decodeBitmap8(shortFile, 74, 15);
+    for (auto [width, height] : {std::pair{74, 16}, {75, 15}, {73, 15}}) EXPECT_FALSE(decodeBitmap8(good, width, height));
+    // Offset, value and its width written over the good file: a depth of 4,
+    // RLE, not "BM", top-down rows.
+    const std::tuple<std::size_t, std::uint32_t, std::size_t> damage[] = {
+        {28, 4, 2}, {30, 1, 4}, {0, 'X', 1}, {22, std::uint32_t(-15), 4}};
+    for (auto [offset, value, width] : damage) {
+        Bytes bad = good;
+        for (std::size_t k = 0; k < width; ++k) bad[offset + k] = std::uint8_t(value >> (8 * k));
+        EXPECT_FALSE(decodeBitmap8(bad, 74, 15)) << offset;
+    }
+    auto r = decodeBitmap8(std::span(good).first(good.size() - 1), 74, 15);
     ASSERT_FALSE(r);
     EXPECT_EQ(r.error().id, MessageId::CouldntLoadBitmap);
     ScratchFolder dir;

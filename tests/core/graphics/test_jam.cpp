@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <set>
 
 namespace tarvel::test {
@@ -74,15 +73,17 @@ TEST(JamLayout, DamagedFilesAreRefused) {
     EXPECT_FALSE(parseJam(std::span(good).first(3), 19));
     EXPECT_FALSE(parseJam(std::span(good).first(good.size() - 256 * 198 + 10), 19)) << "canvas cut";
 
-    Bytes wide = good;
-    storeU16(&wide[4 + 4], 300);   // entry 0 wider than the canvas
-    EXPECT_FALSE(parseJam(wide, 19));
-    Bytes tall = good;
-    tall[4 + 1] = 190;             // entry 0 starts at row 190 of 198
-    EXPECT_FALSE(parseJam(tall, 19));
-    Bytes tables = good;
-    storeU16(&tables[4 + 12], 0xFFF0);   // colour tables past the table area
-    EXPECT_FALSE(parseJam(tables, 19));
+    // Entry 0 wider than the canvas, starting at row 190 of 198, or with its
+    // colour tables past the table area.
+    const std::tuple<std::size_t, std::uint16_t, std::size_t> damage[] = {{4 + 4, 300, 2}, {4 + 1, 190, 1}, {4 + 12, 0xFFF0, 2}};
+    Bytes tables;
+    for (auto [offset, value, width] : damage) {
+        Bytes bad = good;
+        bad[offset] = std::uint8_t(value);
+        if (width == 2) bad[offset + 1] = std::uint8_t(value >> 8);
+        EXPECT_FALSE(parseJam(bad, 19)) << offset;
+        tables = bad;
+    }
     EXPECT_FALSE(convertJamToBitmap(tables, 19, {}));
 }
 
@@ -339,12 +340,8 @@ TEST(JamConvert, BuildRefusesMismatchedTemplateOrBitmap) {
 TEST(GameJam, PatchAndExportThroughTheGameFolder) {
     ScratchFolder game;
     // Lower-case folder names, as on some installations.
-    std::filesystem::create_directories(game / "gamejams" / "brzjams");
     Bytes scrambled = makeJamFile(19, 21);
-    {
-        std::ofstream out(game / "gamejams" / "brzjams" / "brz1.jam", std::ios::binary);
-        out.write(reinterpret_cast<const char*>(scrambled.data()), std::streamsize(scrambled.size()));
-    }
+    writeFileBytes(game / "gamejams" / "brzjams" / "brz1.jam", scrambled);
     const auto bmp = game / "out.bmp";
     RecordingProgress progress;
     ASSERT_TRUE(ExportJamToBitmap(game.path(), 19, bmp, {}, &progress));
