@@ -77,9 +77,9 @@ struct Sets {
             return path;
         };
         for (int i = 0; i < kWheelSlots; ++i)
-            external(set.wheels[i], picture("W" + std::to_string(i) + ".BMP", 256, JamInfo(kFirstWheelJam + i, 0)));
+            external(set.wheels[i], picture("W" + std::to_string(i) + ".BMP", 256, JamInfo(kFirstWheelJam + i).canvasHeight));
         for (int i = kFirstUsableJam; i < kJamSlots; ++i)
-            external(set.jams[i], picture("J" + std::to_string(i) + ".BMP", 256, JamInfo(i, 0)));
+            external(set.jams[i], picture("J" + std::to_string(i) + ".BMP", 256, JamInfo(i).canvasHeight));
         for (int i = 0; i < kMenuHelmetSlots; ++i)
             external(set.menuHelmets[i], picture("M" + std::to_string(i) + ".BMP", 104, 104));
         for (int i = 0; i < kSoundSlots; ++i) {

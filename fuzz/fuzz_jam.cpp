@@ -14,8 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     tarvel::JamScramble(jam);
     // Make the header match the catalogue often enough to get past it.
     if (jam.size() >= 4 && (data[0] & 0x80)) {
-        tarvel::storeU16(&jam[0], std::uint16_t(tarvel::JamInfo(number, 1)));
-        tarvel::storeU16(&jam[2], std::uint16_t(tarvel::JamInfo(number, 0)));
+        tarvel::storeU16(&jam[0], std::uint16_t(tarvel::JamInfo(number).imageCount));
+        tarvel::storeU16(&jam[2], std::uint16_t(tarvel::JamInfo(number).canvasHeight));
     }
     tarvel::GraphicsOptions options;
     options.clearJam = (size & 1) != 0;

@@ -71,9 +71,9 @@ int runJamInfo(Context& context, const std::vector<std::string>& args) {
     if (!parsed) return usageError(context);
     auto number = parseNumber(parsed->positional[0], 0, kJamCatalogueSize - 1);
     if (!number) return usageError(context);
-    const JamCatalogueEntry* entry = jamCatalogueEntry(*number);
-    context.out << entry->path << " " << JamInfo(*number, 0) << " " << JamInfo(*number, 1) << " "
-                << JamInfo(*number, 2) << "\n";
+    const JamFileInfo info = JamInfo(*number);
+    context.out << info.cataloguePath << " " << info.canvasHeight << " " << info.imageCount << " " << info.maxPalette
+                << "\n";
     return kExitOk;
 }
 
@@ -103,7 +103,7 @@ int runJamPatch(Context& context, const std::vector<std::string>& args) {
     if (!parsed) return usageError(context);
     auto number = parseNumber(parsed->positional[0], 0, kJamCatalogueSize - 1);
     if (!number) return usageError(context);
-    auto bitmap = LoadBitmap8(parsed->positional[1], kJamCanvasWidth, JamInfo(*number, 0));
+    auto bitmap = LoadBitmap8(parsed->positional[1], kJamCanvasWidth, JamInfo(*number).canvasHeight);
     if (!bitmap) return failed(context, bitmap.error());
     TerminalProgress progress(context, TerminalProgress::InPlace);
     return finish(context, PatchGameJam(*parsed->game, *bitmap, *number, graphicsOptions(context.config), progress.shown()));
@@ -115,7 +115,7 @@ int runMenuDecode(Context& context, const std::vector<std::string>& args) {
     auto slot = parseNumber(parsed->positional[0], 0, kMenuHelmetCount - 1);
     if (!slot) return usageError(context);
     TerminalProgress progress(context, TerminalProgress::InPlace);
-    return finish(context, ExportMenuHelmet(*parsed->game, *slot, parsed->positional[1], progress.shown()));
+    return finish(context, ImportMenuHelmetFromGame(*parsed->game, *slot, parsed->positional[1], progress.shown()));
 }
 
 int runMenuPatch(Context& context, const std::vector<std::string>& args) {
@@ -127,7 +127,7 @@ int runMenuPatch(Context& context, const std::vector<std::string>& args) {
     auto bitmap = LoadBitmap8(parsed->positional[1], kMenuHelmetSide, kMenuHelmetSide, false);
     if (!bitmap) return failed(context, bitmap.error());
     TerminalProgress progress(context, TerminalProgress::InPlace);
-    return finish(context, ImportMenuHelmet(*parsed->game, *slot, *bitmap, progress.shown()));
+    return finish(context, ExportMenuHelmetToGame(*parsed->game, *slot, *bitmap, progress.shown()));
 }
 
 }  // namespace

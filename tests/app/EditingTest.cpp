@@ -64,7 +64,7 @@ TEST_F(EditingTest, DisabledBoxCarriesOutTheRule) {
 
 int helmetMark(const CarSet& set, int n) {
     BitmapBuffer single = blankSingleHelmet();
-    ExtractHelmet(helmetSheetBitmap(set), n, single);
+    EXPECT_TRUE(ExtractHelmet(helmetSheetBitmap(set), n, single));
     return single.row(7)[30];
 }
 

@@ -23,7 +23,12 @@ namespace tarvel {
 namespace {
 
 GameContext gameContext(const Session& session) {
-    return GameContext{session.config.gameFolder, session.gameVersion, session.config, session.workingFolder};
+    GameContext context;
+    context.gameFolder = session.config.gameFolder;
+    context.version = session.gameVersion;
+    context.options = session.config;
+    context.workingFolder = session.workingFolder;
+    return context;
 }
 
 void importFromGame(Workbench& bench) {

@@ -98,18 +98,18 @@ void singleHelmetLoad(Workbench& bench, int car) {
     const auto single = LoadSingleHelmet(toPath(path));
     if (!showStatus(bench, single ? Status{} : Status(fail(single.error())))) return;
     const int helmet = 2 * bench.document.currentTeam() + car;
-    bench.document.edit(Document::Helmets, [&](CarSet& set) {
-        BitmapBuffer sheet = helmetSheetBitmap(set);
-        StoreHelmet(sheet, helmet, *single);
-        return setHelmetSheetPixels(set, sheet);
-    });
+    BitmapBuffer sheet = helmetSheetBitmap(bench.document.set());
+    if (!showStatus(bench, StoreHelmet(sheet, helmet, *single))) return;
+    bench.document.edit(Document::Helmets, [&](CarSet& set) { return setHelmetSheetPixels(set, sheet); });
 }
 
 void singleHelmetSaveAs(Workbench& bench, int car) {
     const QString path = askSave(bench, "Save Helmet As...");
     if (path.isEmpty()) return;
     BitmapBuffer single = blankSingleHelmet();
-    ExtractHelmet(helmetSheetBitmap(bench.document.set()), 2 * bench.document.currentTeam() + car, single);
+    if (!showStatus(bench, ExtractHelmet(helmetSheetBitmap(bench.document.set()), 2 * bench.document.currentTeam() + car,
+                                         single)))
+        return;
     showStatus(bench, SaveSingleHelmet(toPath(path), single, options(bench)));
 }
 

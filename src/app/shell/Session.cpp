@@ -17,7 +17,7 @@ void Session::readConfiguration() {
 
 bool Session::writeConfiguration() const {
     IniFile ini(configPath);
-    writeConfig(ini, config);
+    if (!writeConfig(ini, config)) return false;
     return ini.setString("Files", "Locate GP2.EXE", config.gameFolder.empty() ? "X" : config.gameFolder);
 }
 

@@ -44,7 +44,7 @@ Result<Bytes> readPictureFile(const fs::path& path, int width, int height) {
     return pixels;
 }
 
-int jamRows(int number) { return JamInfo(number, 0); }
+int jamRows(int number) { return JamInfo(number).canvasHeight; }
 
 fs::path slotPath(const AssetSlot& slot) { return fs::path(fieldText(slot.path)); }
 

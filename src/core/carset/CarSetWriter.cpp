@@ -219,7 +219,7 @@ Result<Bytes> buildCarSetFile(const CarSet& set, const CarSetFileOptions& option
         w.bytes(set.information.data(), n);
     }
 
-    if (w.size() > 0xFFFFFFFFu - kChecksumTrailerSize) return fail(MessageId::CouldntSaveCarSet);
+    if (!w.ok() || w.size() > 0xFFFFFFFFu - kChecksumTrailerSize) return fail(MessageId::CouldntSaveCarSet);
     appendChecksum(w.data());
     return std::move(w.data());
 }

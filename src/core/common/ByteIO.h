@@ -91,9 +91,12 @@ private:
     bool ok_;
 };
 
-// Appending writer; patch*() overwrite bytes already written.
+// Appending writer; patch*() overwrite bytes already written. A patch that
+// would reach past the bytes written so far changes nothing and latches a
+// failure that ok() reports, as ByteReader does for reads.
 class ByteWriter {
 public:
+    bool ok() const { return ok_; }
     Bytes& data() { return data_; }
     std::size_t size() const { return data_.size(); }
     void u8(std::uint8_t v) { data_.push_back(v); }
@@ -110,14 +113,24 @@ public:
         data_.insert(data_.end(), b, b + n);
     }
     void zeros(std::size_t n) { data_.insert(data_.end(), n, 0); }
-    void patchU8(std::size_t at, std::uint8_t v) { data_.at(at) = v; }
-    void patchU32(std::size_t at, std::uint32_t v) {
-        data_.at(at + 3);
+    bool patchU8(std::size_t at, std::uint8_t v) {
+        if (!written(at, 1)) return false;
+        data_[at] = v;
+        return true;
+    }
+    bool patchU32(std::size_t at, std::uint32_t v) {
+        if (!written(at, 4)) return false;
         storeU32(&data_[at], v);
+        return true;
     }
 
 private:
+    bool written(std::size_t at, std::size_t n) {
+        if (at > data_.size() || n > data_.size() - at) ok_ = false;
+        return ok_;
+    }
     Bytes data_;
+    bool ok_ = true;
 };
 
 }  // namespace tarvel

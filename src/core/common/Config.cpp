@@ -89,12 +89,16 @@ Config readConfig(const IniFile& ini) {
     return config;
 }
 
-void writeConfig(IniFile& ini, const Config& config) {
-    ini.setString(kFiles, kGameFolderKey, config.gameFolder.empty() ? std::string(kNotSet) : config.gameFolder);
+Status writeConfig(IniFile& ini, const Config& config) {
+    // Every key is attempted even after one fails, so that a file that becomes
+    // writable part-way still receives the rest.
+    bool written = ini.setString(kFiles, kGameFolderKey, config.gameFolder.empty() ? std::string(kNotSet) : config.gameFolder);
     for (const FlagKey& flag : kFlags)
-        if (flag.written) ini.setInt(kConfig, flag.key, config.*flag.field ? 1 : 0);
-    ini.setInt(kConfig, kMosaicKey, config.mosaic);
-    ini.setString(kConfig, kLaunchKey, config.launchCommand);
+        if (flag.written) written = ini.setInt(kConfig, flag.key, config.*flag.field ? 1 : 0) && written;
+    written = ini.setInt(kConfig, kMosaicKey, config.mosaic) && written;
+    written = ini.setString(kConfig, kLaunchKey, config.launchCommand) && written;
+    if (!written) return fail(MessageId::CouldntWriteFile, ini.path().string());
+    return {};
 }
 
 }  // namespace tarvel

@@ -1,6 +1,8 @@
 #pragma once
 // The program configuration (tarvel32.ini, sections "Files" and "Config").
 
+#include "common/Result.h"
+
 #include <filesystem>
 #include <string>
 
@@ -31,6 +33,8 @@ std::filesystem::path defaultConfigPath();
 
 Config readConfig(const IniFile& ini);
 // Writes every key the configuration dialog owns (not "ShowInfo", not "AutoFile").
-void writeConfig(IniFile& ini, const Config& config);
+// Fails with "Couldn't Write File - %s." (the configuration file) when a key
+// could not be written.
+Status writeConfig(IniFile& ini, const Config& config);
 
 }  // namespace tarvel

@@ -36,22 +36,14 @@ bool writeFileAtomically(const fs::path& path, std::span<const std::uint8_t> dat
         }
     }
     std::error_code ec;
-    if (fs::exists(path, ec)) clearReadOnly(path);
+    // Where a read-only target blocks the rename, the rename reports it.
+    if (fs::exists(path, ec)) (void)clearReadOnly(path);
     fs::rename(temporary, path, ec);
     if (ec) {
         fs::remove(temporary, ec);
         return false;
     }
     return true;
-}
-
-bool patchFile(const fs::path& path, std::uint64_t offset, std::span<const std::uint8_t> data) {
-    std::fstream f(path, std::ios::binary | std::ios::in | std::ios::out);
-    if (!f) return false;
-    f.seekp(std::streamoff(offset));
-    if (!f) return false;
-    if (!data.empty()) f.write(reinterpret_cast<const char*>(data.data()), std::streamsize(data.size()));
-    return bool(f.flush());
 }
 
 bool clearReadOnly(const fs::path& path) {
@@ -63,6 +55,12 @@ bool clearReadOnly(const fs::path& path) {
         if (ec) return false;
     }
     return true;
+}
+
+bool sameFileName(std::string_view a, std::string_view b) {
+    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+               return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+           });
 }
 
 namespace {
@@ -82,12 +80,6 @@ std::vector<std::string> splitRelative(std::string_view relative) {
     return parts;
 }
 
-bool equalNoCase(std::string_view a, std::string_view b) {
-    return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-               return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
-           });
-}
-
 // Walks the components; `matchedAll` tells whether every one exists.
 fs::path resolve(const fs::path& folder, std::string_view relative, bool& matchedAll) {
     fs::path current = folder;
@@ -101,7 +93,7 @@ fs::path resolve(const fs::path& folder, std::string_view relative, bool& matche
         bool found = false;
         if (matchedAll) {
             for (auto it = fs::directory_iterator(current, ec); !ec && it != fs::directory_iterator(); it.increment(ec)) {
-                if (equalNoCase(it->path().filename().string(), part)) {
+                if (sameFileName(it->path().filename().string(), part)) {
                     current = it->path();
                     found = true;
                     break;

@@ -15,13 +15,14 @@ std::optional<Bytes> readWholeFile(const std::filesystem::path& path);
 // Writes through a temporary file beside the target and renames it over the
 // target; on failure the target is left as it was and nothing is left behind.
 bool writeFileAtomically(const std::filesystem::path& path, std::span<const std::uint8_t> data);
-// Writes `data` at `offset` of an existing file without changing its length
-// beyond offset + size.
-bool patchFile(const std::filesystem::path& path, std::uint64_t offset, std::span<const std::uint8_t> data);
 
 // Makes a file writable (the read-only attribute cleared); true when it exists
 // and is writable afterwards.
-bool clearReadOnly(const std::filesystem::path& path);
+[[nodiscard]] bool clearReadOnly(const std::filesystem::path& path);
+
+// True when two file names differ at most in the case of their letters, as
+// DOS names compare.
+bool sameFileName(std::string_view a, std::string_view b);
 
 // Finds a file inside the game folder whatever the case of each component:
 // installations copied from CD have upper-case names, others lower-case.

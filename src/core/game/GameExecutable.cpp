@@ -2,7 +2,8 @@
 
 #include "common/FileIO.h"
 #include "common/Progress.h"
-#include "game/GameFile.h"
+#include "common/PatchableFile.h"
+#include "game/GameNames.h"
 #include "game/GameVersion.h"
 #include "game/StateFile.h"
 
@@ -12,7 +13,7 @@
 namespace tarvel {
 namespace {
 
-constexpr int kSeats = 2 * kRacingTeams;
+constexpr int kSeats = kGameSeats;
 constexpr int kNumberList = kSeats + 2 * kSpareSlots;   // 36
 constexpr std::uint16_t kGripMin = fieldrange::kGrip.low;
 constexpr std::uint16_t kGripMax = fieldrange::kGrip.high;
@@ -39,7 +40,7 @@ bool validVersion(int v) { return v >= 0 && v < kGameReleaseCount; }
 
 std::uint16_t clampGrip(std::uint16_t raw) { return std::clamp(raw, kGripMin, kGripMax); }
 
-bool openExe(GameFile& file, const std::filesystem::path& gameFolder, GameFile::Mode mode, Progress* progress) {
+bool openExe(PatchableFile& file, const std::filesystem::path& gameFolder, PatchableFile::Mode mode, Progress* progress) {
     auto path = findGameFile(gameFolder, kExeName);
     if (!path) return false;
     if (progress) {
@@ -47,26 +48,8 @@ bool openExe(GameFile& file, const std::filesystem::path& gameFolder, GameFile::
         std::string text = path->filename().string();
         progress->setFile(text.size() > 7 ? std::string_view(text).substr(text.size() - 7) : std::string_view(text));
     }
-    if (mode == GameFile::Update && !clearReadOnly(*path)) return false;
+    if (mode == PatchableFile::Update && !clearReadOnly(*path)) return false;
     return file.open(*path, mode);
-}
-
-// Number bytes as stored (flag bit taken off above 128): three or more empty
-// seats, a repeated number or a number above 40 make the table unusable.
-bool driverNumbersValid(std::span<const std::uint8_t, kSeats> raw) {
-    std::array<int, kSeats> numbers{};
-    for (std::size_t k = 0; k < raw.size(); ++k) numbers[k] = raw[k] > 128 ? raw[k] - 128 : raw[k];
-    int zeros = 0;
-    for (std::size_t k = 0; k < numbers.size(); ++k) {
-        if (numbers[k] == 0) {
-            ++zeros;
-            continue;
-        }
-        if (numbers[k] > kDriverNumbers) return false;
-        if (std::find(numbers.begin() + std::ptrdiff_t(k) + 1, numbers.end(), numbers[k]) != numbers.end())
-            return false;
-    }
-    return zeros < 3;
 }
 
 // Gives every empty seat, and the eight spare places after the 28 seats, a free
@@ -107,7 +90,7 @@ void fillEmptySeats(CarSet& set) {
         set.teams[std::size_t(entry / 2)].driver[std::size_t(entry % 2)] = std::int16_t(list[std::size_t(entry)]);
 }
 
-Status readTables(CarSet& set, GameFile& file, const ExecutableTransferOptions& options) {
+Status readTables(CarSet& set, PatchableFile& file, const ExecutableTransferOptions& options) {
     const Offsets at(options.version);
     const auto readFailed = [] { return fail(MessageId::CouldntReadGp2Exe); };
 
@@ -185,7 +168,7 @@ bool pitBoxesValid(const CarSet& set) {
     return true;
 }
 
-bool writeTables(const CarSet& set, GameFile& file, const ExecutableTransferOptions& options) {
+bool writeTables(const CarSet& set, PatchableFile& file, const ExecutableTransferOptions& options) {
     const Offsets at(options.version);
     bool ok = true;
     for (int i = 0; i < kRacingTeams; ++i) {
@@ -246,16 +229,42 @@ bool writeTables(const CarSet& set, GameFile& file, const ExecutableTransferOpti
 constexpr std::size_t kCockpitBytes = 3 * kRacingTeams;
 constexpr std::size_t kPitCrewBytes = 16 * kRacingTeams;
 
-template <std::size_t N>
-void colourBytesOut(std::span<std::uint8_t> out, const std::array<std::uint16_t, N>& values) {
-    for (std::size_t k = 0; k < N; ++k) out[k] = std::uint8_t(values[k]);
-}
-
 // Raw, or through the green fix and capped at 216.
 void prepareColours(std::span<std::uint8_t> bytes, bool fixGreen) {
     if (!fixGreen) return;
     applyPaletteFix(bytes);
     for (auto& b : bytes) b = std::min<std::uint8_t>(b, 216);
+}
+
+// The 14 teams' colour bytes of one table (W a team), as the game takes them.
+template <std::size_t W, std::size_t N>
+std::array<std::uint8_t, W * kRacingTeams> gatherColours(const CarSet& set, std::array<std::uint16_t, N> TeamRecord::*field,
+                                                         bool fixGreen) {
+    std::array<std::uint8_t, W * kRacingTeams> bytes{};
+    for (std::size_t i = 0; i < kRacingTeams; ++i) {
+        std::span<std::uint8_t> run(&bytes[W * i], W);
+        for (std::size_t k = 0; k < W; ++k) run[k] = std::uint8_t((set.teams[i].*field)[k]);
+        prepareColours(run, fixGreen);
+    }
+    return bytes;
+}
+
+// One table of GP2.EXE read or written whole.
+Status readExeTable(const std::filesystem::path& gameFolder, std::uint32_t offset, std::span<std::uint8_t> out) {
+    PatchableFile file;
+    if (!openExe(file, gameFolder, PatchableFile::ReadOnly, nullptr)) return fail(MessageId::CouldntReadGp2Exe);
+    bool ok = file.read(offset, out);
+    (void)file.close();   // read only: closing cannot lose anything
+    if (!ok) return fail(MessageId::CouldntReadGp2Exe);
+    return {};
+}
+
+Status writeExeTable(const std::filesystem::path& gameFolder, std::uint32_t offset, std::span<const std::uint8_t> data) {
+    PatchableFile file;
+    if (!openExe(file, gameFolder, PatchableFile::Update, nullptr)) return fail(MessageId::Gp2ExeNotPatched);
+    bool ok = file.write(offset, data);
+    if (!file.close() || !ok) return fail(MessageId::Gp2ExeNotPatched);
+    return {};
 }
 
 }  // namespace
@@ -264,6 +273,7 @@ void applyPaletteFix(std::span<std::uint8_t> bytes) {
     for (std::size_t k = bytes.size(); k-- > 0;) {
         int v = bytes[k];
         // The whole part of 233 - (123 - v) * 0.8125, in sixteenths.
+        // Truncated (104 becomes 217), unlike the rounded JAM pixel fix (218): the cap at 216 after it hides the difference.
         if (v >= 104 && v <= 123) v = (233 * 16 - (123 - v) * 13) / 16;
         if (v >= 194 && v <= 213) v += 20;
         bytes[k] = std::uint8_t(v);
@@ -273,10 +283,10 @@ void applyPaletteFix(std::span<std::uint8_t> bytes) {
 Status TransferExecutableTables(CarSet& set, const std::filesystem::path& gameFolder,
                                 const ExecutableTransferOptions& options, Progress* progress) {
     if (!validVersion(options.version)) return fail(MessageId::UnsupportedVersion);
-    GameFile file;
-    if (!openExe(file, gameFolder, GameFile::ReadOnly, progress)) return fail(MessageId::CouldntReadGp2Exe);
+    PatchableFile file;
+    if (!openExe(file, gameFolder, PatchableFile::ReadOnly, progress)) return fail(MessageId::CouldntReadGp2Exe);
     Status read = readTables(set, file, options);
-    file.close();
+    (void)file.close();   // read only: closing cannot lose anything
     if (!read) return read;
     if (!pitBoxesValid(set)) return fail(MessageId::BadPitBoxNumbers);
     for (int i = 0; i < kRacingTeams; ++i) --set.teams[std::size_t(i)].teamOrder;
@@ -287,8 +297,8 @@ Status TransferExecutableTables(CarSet& set, const std::filesystem::path& gameFo
 Status TransferExecutableTables(const CarSet& set, const std::filesystem::path& gameFolder,
                                 const ExecutableTransferOptions& options, Progress* progress) {
     if (!validVersion(options.version)) return fail(MessageId::UnsupportedVersion);
-    GameFile file;
-    if (!openExe(file, gameFolder, GameFile::Update, progress)) return fail(MessageId::Gp2ExeNotPatched);
+    PatchableFile file;
+    if (!openExe(file, gameFolder, PatchableFile::Update, progress)) return fail(MessageId::Gp2ExeNotPatched);
     bool ok = writeTables(set, file, options);
     if (!file.close() || !ok) return fail(MessageId::Gp2ExeNotPatched);
     return {};
@@ -306,18 +316,15 @@ Status ImportCockpitColours(CarSet& set, const std::filesystem::path& gameFolder
         }
     };
     std::array<std::uint8_t, kCockpitBytes> bytes{};
-    GameFile file;
-    if (!openExe(file, gameFolder, GameFile::ReadOnly, nullptr)) return fail(MessageId::CouldntReadGp2Exe);
-    bool ok = file.read(gameTableOffset(GameTable::CockpitColours, options.version), bytes);
-    file.close();
-    if (!ok) return fail(MessageId::CouldntReadGp2Exe);
+    if (Status read = readExeTable(gameFolder, gameTableOffset(GameTable::CockpitColours, options.version), bytes); !read)
+        return read;
     store(bytes);
     if (options.useStateFile) {
         auto path = findGameFile(gameFolder, "F1GSTATE.SAV");
-        GameFile state;
-        if (!path || !state.open(*path, GameFile::ReadOnly)) return fail(MessageId::CouldntReadGp2Exe);
-        ok = state.read(statefile::kCockpitColours, bytes);
-        state.close();
+        PatchableFile state;
+        if (!path || !state.open(*path, PatchableFile::ReadOnly)) return fail(MessageId::CouldntReadGp2Exe);
+        bool ok = state.read(statefile::kCockpitColours, bytes);
+        (void)state.close();   // read only: closing cannot lose anything
         if (!ok) return fail(MessageId::CouldntReadGp2Exe);
         store(bytes);
     }
@@ -327,21 +334,15 @@ Status ImportCockpitColours(CarSet& set, const std::filesystem::path& gameFolder
 Status ExportCockpitColours(const CarSet& set, const std::filesystem::path& gameFolder,
                             const ExecutableTransferOptions& options, bool fixGreen) {
     if (!validVersion(options.version)) return fail(MessageId::UnsupportedVersion);
-    std::array<std::uint8_t, kCockpitBytes> bytes{};
-    for (int i = 0; i < kRacingTeams; ++i) {
-        std::span<std::uint8_t> run(&bytes[3 * std::size_t(i)], 3);
-        colourBytesOut(run, set.teams[std::size_t(i)].teamBytesA);
-        prepareColours(run, fixGreen);
-    }
-    GameFile file;
-    if (!openExe(file, gameFolder, GameFile::Update, nullptr)) return fail(MessageId::Gp2ExeNotPatched);
-    bool ok = file.write(gameTableOffset(GameTable::CockpitColours, options.version), bytes);
-    if (!file.close() || !ok) return fail(MessageId::Gp2ExeNotPatched);
+    const auto bytes = gatherColours<3>(set, &TeamRecord::teamBytesA, fixGreen);
+    if (Status written = writeExeTable(gameFolder, gameTableOffset(GameTable::CockpitColours, options.version), bytes);
+        !written)
+        return written;
     if (options.useStateFile) {
         auto path = findGameFile(gameFolder, "F1GSTATE.SAV");
-        GameFile state;
-        if (!path || !clearReadOnly(*path) || !state.open(*path, GameFile::Update)) return fail(MessageId::Gp2ExeNotPatched);
-        ok = state.write(statefile::kCockpitColours, bytes);
+        PatchableFile state;
+        if (!path || !clearReadOnly(*path) || !state.open(*path, PatchableFile::Update)) return fail(MessageId::Gp2ExeNotPatched);
+        bool ok = state.write(statefile::kCockpitColours, bytes);
         if (!state.close() || !ok) return fail(MessageId::Gp2ExeNotPatched);
         if (!WriteStateFileChecksum(*path)) return fail(MessageId::Gp2ExeNotPatched);
     }
@@ -352,11 +353,8 @@ Status ImportPitCrewColours(CarSet& set, const std::filesystem::path& gameFolder
                             const ExecutableTransferOptions& options) {
     if (!validVersion(options.version)) return fail(MessageId::UnsupportedVersion);
     std::array<std::uint8_t, kPitCrewBytes> bytes{};
-    GameFile file;
-    if (!openExe(file, gameFolder, GameFile::ReadOnly, nullptr)) return fail(MessageId::CouldntReadGp2Exe);
-    bool ok = file.read(gameTableOffset(GameTable::PitCrewColours, options.version), bytes);
-    file.close();
-    if (!ok) return fail(MessageId::CouldntReadGp2Exe);
+    if (Status read = readExeTable(gameFolder, gameTableOffset(GameTable::PitCrewColours, options.version), bytes); !read)
+        return read;
     for (std::size_t k = 0; k < kPitCrewBytes; ++k) {
         std::uint8_t b = std::min<std::uint8_t>(bytes[k], 218);
         set.teams[k / 16].teamBytesB[k % 16] = b == 0 ? 1 : b;
@@ -367,17 +365,8 @@ Status ImportPitCrewColours(CarSet& set, const std::filesystem::path& gameFolder
 Status ExportPitCrewColours(const CarSet& set, const std::filesystem::path& gameFolder,
                             const ExecutableTransferOptions& options, bool fixGreen) {
     if (!validVersion(options.version)) return fail(MessageId::UnsupportedVersion);
-    std::array<std::uint8_t, kPitCrewBytes> bytes{};
-    for (int i = 0; i < kRacingTeams; ++i) {
-        std::span<std::uint8_t> run(&bytes[16 * std::size_t(i)], 16);
-        colourBytesOut(run, set.teams[std::size_t(i)].teamBytesB);
-        prepareColours(run, fixGreen);
-    }
-    GameFile file;
-    if (!openExe(file, gameFolder, GameFile::Update, nullptr)) return fail(MessageId::Gp2ExeNotPatched);
-    bool ok = file.write(gameTableOffset(GameTable::PitCrewColours, options.version), bytes);
-    if (!file.close() || !ok) return fail(MessageId::Gp2ExeNotPatched);
-    return {};
+    const auto bytes = gatherColours<16>(set, &TeamRecord::teamBytesB, fixGreen);
+    return writeExeTable(gameFolder, gameTableOffset(GameTable::PitCrewColours, options.version), bytes);
 }
 
 }  // namespace tarvel

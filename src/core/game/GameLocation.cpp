@@ -1,25 +1,15 @@
 #include "game/GameLocation.h"
 
-#include <cctype>
+#include "common/FileIO.h"
+
 #include <system_error>
 
 namespace tarvel {
-namespace {
-
-bool equalNoCase(std::string_view a, std::string_view b) {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (std::toupper(static_cast<unsigned char>(a[i])) != std::toupper(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
-}
-
-}  // namespace
 
 std::optional<std::string> gameFolderFromExecutable(std::string_view typedPath) {
     if (typedPath.empty()) return std::nullopt;
     const std::filesystem::path path{std::string(typedPath)};
-    if (!equalNoCase(path.filename().string(), "GP2.EXE")) return std::nullopt;
+    if (!sameFileName(path.filename().string(), "GP2.EXE")) return std::nullopt;
     std::error_code ec;
     if (!std::filesystem::is_regular_file(path, ec)) return std::nullopt;
     std::string folder = path.has_parent_path() ? path.parent_path().string() : std::string(1, '.');

@@ -121,7 +121,8 @@ Status exportHelmetsJam(const CarSet& set, const ItemCall& call) {
 // whole import has succeeded.
 Status importMenuHelmet(CarSet&, const ItemCall& call) {
     const int slot = assetSlotOfTransferItem(call.item)->slot;   // items 16-43: menu helmets 0-27
-    if (!ExportMenuHelmet(call.context.gameFolder, slot, menuHelmetFile(call.context.workingFolder, slot), &call.progress))
+    if (!ImportMenuHelmetFromGame(call.context.gameFolder, slot, menuHelmetFile(call.context.workingFolder, slot),
+                                  &call.progress))
         return fail(MessageId::FailedToImportMenuHelmet);
     return {};
 }
@@ -129,7 +130,7 @@ Status exportMenuHelmet(const CarSet& set, const ItemCall& call) {
     const int slot = assetSlotOfTransferItem(call.item)->slot;   // items 16-43: menu helmets 0-27
     if (set.menuHelmets[std::size_t(slot)].status == kAssetEmpty) return {};   // the game keeps its own
     auto picture = slotBitmap(set, AssetKind::MenuHelmet, slot, kMenuHelmetSide, kMenuHelmetSide);
-    if (!picture || !ImportMenuHelmet(call.context.gameFolder, slot, *picture, &call.progress))
+    if (!picture || !ExportMenuHelmetToGame(call.context.gameFolder, slot, *picture, &call.progress))
         return fail(MessageId::FailedToExportMenuHelmet);
     return {};
 }
@@ -155,7 +156,7 @@ Status exportJamItem(const CarSet& set, const ItemCall& call) {
     const AssetItemSlot source = jamItemSlot(call.item);
     if (findAssetSlot(set, source.kind, source.slot)->status == kAssetEmpty) return {};   // the game keeps its own
     int number = transferItemJamNumber(call.item);
-    auto picture = slotBitmap(set, source.kind, source.slot, kJamCanvasWidth, JamInfo(number, 0));
+    auto picture = slotBitmap(set, source.kind, source.slot, kJamCanvasWidth, JamInfo(number).canvasHeight);
     if (!picture) return fail(MessageId::FailedToPatchJam);
     return PatchGameJam(call.context.gameFolder, *picture, number, pictureOptions(call), &call.progress);
 }
@@ -198,7 +199,7 @@ Status checkGameFiles(const TransferSelection& items, const GameContext& context
         if (info.gameFile.empty()) continue;
         auto path = findGameFile(context.gameFolder, info.gameFile);
         if (!path) return fail(MessageId::FileNotFound, info.displayName);
-        clearReadOnly(*path);
+        (void)clearReadOnly(*path);   // each writer clears it again and fails if it cannot
     }
     return {};
 }

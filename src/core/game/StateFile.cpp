@@ -1,7 +1,8 @@
 #include "game/StateFile.h"
 
 #include "common/FileIO.h"
-#include "game/GameFile.h"
+#include "common/PatchableFile.h"
+#include "game/GameNames.h"
 
 #include <algorithm>
 #include <optional>
@@ -11,7 +12,7 @@ namespace {
 
 constexpr std::string_view kStateFileName = "F1GSTATE.SAV";
 constexpr std::size_t kTrailerSize = 4;
-constexpr int kSeats = 2 * kRacingTeams;
+constexpr int kSeats = kGameSeats;
 
 std::optional<Bytes> readStateFile(const std::filesystem::path& gameFolder, std::filesystem::path* where = nullptr) {
     auto path = findGameFile(gameFolder, kStateFileName);
@@ -34,7 +35,9 @@ StateFileTrailer computeStateFileTrailer(std::span<const std::uint8_t> payload) 
 StateFileState stateFileState(const std::filesystem::path& gameFolder) {
     auto path = findGameFile(gameFolder, kStateFileName);
     if (!path) return StateFileState::Absent;
-    clearReadOnly(*path);
+    // Only the later writes need the attribute cleared, and they report it when
+    // they fail; the check itself reads the file either way.
+    (void)clearReadOnly(*path);
     auto data = readWholeFile(*path);
     if (!data || data->size() < kTrailerSize) return StateFileState::Invalid;
     std::size_t payload = data->size() - kTrailerSize;
@@ -52,8 +55,8 @@ bool WriteStateFileChecksum(const std::filesystem::path& path) {
     if (!data || data->size() < kTrailerSize) return false;
     std::size_t payload = data->size() - kTrailerSize;
     StateFileTrailer t = computeStateFileTrailer(std::span(*data).first(payload));
-    GameFile file;
-    if (!file.open(path, GameFile::Update)) return false;
+    PatchableFile file;
+    if (!file.open(path, PatchableFile::Update)) return false;
     bool ok = file.writeU16(payload, t.sum) && file.writeU16(payload + 2, t.rolling);
     return file.close() && ok;
 }
@@ -67,20 +70,7 @@ Status ReadStateFileNames(CarSet& set, const std::filesystem::path& gameFolder) 
     std::array<std::uint8_t, kSeats> raw{};
     if (!in.seek(statefile::kDriverNumbers) || !in.bytes(raw.data(), raw.size()))
         return fail(MessageId::CouldntReadStateFile);
-    std::array<int, kSeats> numbers{};
-    for (int k = 0; k < kSeats; ++k) numbers[std::size_t(k)] = raw[std::size_t(k)] > 128 ? raw[std::size_t(k)] - 128 : raw[std::size_t(k)];
-    int zeros = 0;
-    for (int k = 0; k < kSeats; ++k) {
-        int n = numbers[std::size_t(k)];
-        if (n == 0) {
-            ++zeros;
-            continue;
-        }
-        if (n > kDriverNumbers) return fail(MessageId::BadDriverNumbers);
-        for (int j = k + 1; j < kSeats; ++j)
-            if (numbers[std::size_t(j)] == n) return fail(MessageId::BadDriverNumbers);
-    }
-    if (zeros >= 3) return fail(MessageId::BadDriverNumbers);
+    if (!driverNumbersValid(raw)) return fail(MessageId::BadDriverNumbers);
 
     for (int i = 0; i < kRacingTeams; ++i) {
         TeamRecord& team = set.teams[std::size_t(i)];
@@ -137,8 +127,8 @@ Status WriteStateFileNames(const CarSet& set, const std::filesystem::path& gameF
         }
     }
 
-    GameFile file;
-    if (!clearReadOnly(path) || !file.open(path, GameFile::Update)) return fail(MessageId::StateFileNotPatched);
+    PatchableFile file;
+    if (!clearReadOnly(path) || !file.open(path, PatchableFile::Update)) return fail(MessageId::StateFileNotPatched);
     bool ok = file.write(statefile::kDriverNumbers,
                          std::span<const std::uint8_t>(bytes).subspan(statefile::kDriverNumbers, kEnd - statefile::kDriverNumbers));
     if (!file.close() || !ok) return fail(MessageId::StateFileNotPatched);

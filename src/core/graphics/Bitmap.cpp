@@ -189,7 +189,8 @@ Bytes encodeBitmap8(const BitmapBuffer& bitmap, const GraphicsOptions& options) 
 Status writeBitmapFile(const fs::path& path, std::span<const std::uint8_t> fileBytes) {
     if (fileBytes.empty()) return fail(MessageId::CouldntSaveBitmap);
     std::error_code ec;
-    if (fs::exists(path, ec)) clearReadOnly(path);
+    // A file that stays read-only makes the open below fail, which is reported there.
+    if (fs::exists(path, ec)) (void)clearReadOnly(path);
     bool ok = false;
     {
         std::ofstream out(path, std::ios::binary | std::ios::trunc);

@@ -48,9 +48,11 @@ void recolour(BitmapBuffer& single, const std::array<Recolour, N>& changes) {
             }
 }
 
+// The numbers are helmet numbers and both pictures have their sizes, so no
+// store can fail.
 template <std::size_t N>
 void storeAll(BitmapBuffer& sheet, const std::array<int, N>& numbers, const BitmapBuffer& single) {
-    for (int n : numbers) StoreHelmet(sheet, n, single);
+    for (int n : numbers) (void)StoreHelmet(sheet, n, single);
 }
 
 }  // namespace
@@ -58,14 +60,16 @@ void storeAll(BitmapBuffer& sheet, const std::array<int, N>& numbers, const Bitm
 BitmapBuffer blankHelmetSheet() { return BitmapBuffer(kHelmetSheetBitmapWidth, kHelmetSheetBitmapHeight); }
 BitmapBuffer blankSingleHelmet() { return BitmapBuffer(kHelmetWidth, kHelmetHeight); }
 
-void ExtractHelmet(const BitmapBuffer& sheet, int n, BitmapBuffer& single) {
-    if (!isSheet(sheet) || !isSingle(single) || !isHelmetNumber(n)) return;
+Status ExtractHelmet(const BitmapBuffer& sheet, int n, BitmapBuffer& single) {
+    if (!isSheet(sheet) || !isSingle(single) || !isHelmetNumber(n)) return fail(MessageId::ExportFailed);
     for (int row = 0; row < kHelmetHeight; ++row) std::memcpy(single.row(row), sheetRow(sheet, n, row), kHelmetWidth);
+    return {};
 }
 
-void StoreHelmet(BitmapBuffer& sheet, int n, const BitmapBuffer& single) {
-    if (!isSheet(sheet) || !isSingle(single) || !isHelmetNumber(n)) return;
+Status StoreHelmet(BitmapBuffer& sheet, int n, const BitmapBuffer& single) {
+    if (!isSheet(sheet) || !isSingle(single) || !isHelmetNumber(n)) return fail(MessageId::ImportFailed);
     for (int row = 0; row < kHelmetHeight; ++row) std::memcpy(sheetRow(sheet, n, row), single.row(row), kHelmetWidth);
+    return {};
 }
 
 void SwapHelmets(BitmapBuffer& sheet, int a, int b) {

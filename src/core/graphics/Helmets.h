@@ -24,10 +24,11 @@ constexpr int helmetBottomRow(int n) { return kHelmetHeight * (kHelmetsPerColumn
 BitmapBuffer blankHelmetSheet();
 BitmapBuffer blankSingleHelmet();
 
-// Copy helmet n (0..27) between the sheet and a single helmet; numbers outside
-// 0..27 and buffers of the wrong size are ignored.
-void ExtractHelmet(const BitmapBuffer& sheet, int n, BitmapBuffer& single);
-void StoreHelmet(BitmapBuffer& sheet, int n, const BitmapBuffer& single);
+// Copy helmet n (0..27) between the sheet and a single helmet. A number
+// outside 0..27 or a buffer of the wrong size changes nothing and fails:
+// ExtractHelmet with "Export Failed.", StoreHelmet with "Import Failed.".
+Status ExtractHelmet(const BitmapBuffer& sheet, int n, BitmapBuffer& single);
+Status StoreHelmet(BitmapBuffer& sheet, int n, const BitmapBuffer& single);
 // Exchanges two helmets' rectangles; nothing happens when a == b.
 void SwapHelmets(BitmapBuffer& sheet, int a, int b);
 

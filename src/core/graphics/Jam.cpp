@@ -17,6 +17,7 @@ constexpr int kColourTableCopies = 4;
 
 // FixGreen: the greens 104-123 move into the range 214-233 (in steps of
 // 0.8125), then 194-213 move up by 20.
+// Rounded (104 becomes 218), unlike applyPaletteFix for the colour tables, which truncates (217) and then caps at 216.
 constexpr int kGreenFirst = 104;
 constexpr int kGreenLast = 123;
 constexpr std::array<std::uint8_t, 20> kGreenMap{218, 218, 219, 220, 221, 222, 222, 223, 224, 225,
@@ -240,7 +241,7 @@ Result<Bytes> readUnscrambled(const fs::path& gameFolder, int number, MessageId 
 
 }  // namespace
 
-Result<Bytes> ReadGameJam(const fs::path& gameFolder, const BitmapBuffer& bitmap, int number,
+Result<Bytes> BuildGameJam(const fs::path& gameFolder, const BitmapBuffer& bitmap, int number,
                           const GraphicsOptions& options, Progress* progress) {
     auto jam = readUnscrambled(gameFolder, number, MessageId::FailedToPatchJam, progress);
     if (!jam) return fail(jam.error());
@@ -252,7 +253,7 @@ Result<Bytes> ReadGameJam(const fs::path& gameFolder, const BitmapBuffer& bitmap
 
 Status PatchGameJam(const fs::path& gameFolder, const BitmapBuffer& bitmap, int number, const GraphicsOptions& options,
                     Progress* progress) {
-    auto rebuilt = ReadGameJam(gameFolder, bitmap, number, options, progress);
+    auto rebuilt = BuildGameJam(gameFolder, bitmap, number, options, progress);
     if (!rebuilt) return fail(rebuilt.error());
     auto path = findGameFile(gameFolder, catalogueRelativePath(*jamCatalogueEntry(number)));
     if (!path || !clearReadOnly(*path) || !writeFileAtomically(*path, *rebuilt)) return fail(MessageId::FailedToPatchJam);

@@ -62,7 +62,7 @@ std::filesystem::path gameJamPath(const std::filesystem::path& gameFolder, int n
 Status PatchGameJam(const std::filesystem::path& gameFolder, const BitmapBuffer& bitmap, int number,
                     const GraphicsOptions& options, Progress* progress = nullptr);
 // As PatchGameJam without the write-back: the rebuilt file, scrambled.
-Result<Bytes> ReadGameJam(const std::filesystem::path& gameFolder, const BitmapBuffer& bitmap, int number,
+Result<Bytes> BuildGameJam(const std::filesystem::path& gameFolder, const BitmapBuffer& bitmap, int number,
                           const GraphicsOptions& options, Progress* progress = nullptr);
 // Reads the game's file and converts it to the bitmap in memory.
 Result<BitmapBuffer> readGameJamBitmap(const std::filesystem::path& gameFolder, int number,

@@ -7,15 +7,10 @@ const JamCatalogueEntry* jamCatalogueEntry(int number) {
     return &kJamCatalogue[static_cast<std::size_t>(number)];
 }
 
-int JamInfo(int number, int what) {
+JamFileInfo JamInfo(int number) {
     const JamCatalogueEntry* entry = jamCatalogueEntry(number);
-    if (!entry) return 0;
-    switch (what) {
-    case 0: return entry->height;
-    case 1: return entry->images;
-    case 2: return entry->maxPalette;
-    default: return 0;
-    }
+    if (!entry) return {};
+    return JamFileInfo{entry->path, entry->height, entry->images, entry->maxPalette};
 }
 
 }  // namespace tarvel

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string_view>
 
 namespace tarvel {
 
@@ -243,9 +244,16 @@ inline constexpr std::array<JamCatalogueEntry, kJamCatalogueSize> kJamCatalogue{
     {"SPGRID2.JAM", 95, 40, 64},
 }};
 
-// Catalogue lookup: what 0 = canvas height, 1 = image count, 2 = max palette;
-// 0 for a number outside the catalogue or an unknown `what`.
-int JamInfo(int number, int what);
+// What the catalogue says of one JAM file.
+struct JamFileInfo {
+    std::string_view cataloguePath;  // relative to GAMEJAMS; empty outside the catalogue
+    int canvasHeight = 0;
+    int imageCount = 0;
+    int maxPalette = 0;              // 0 = not given
+};
+
+// Catalogue entry `number`; all empty and 0 outside 0..217.
+JamFileInfo JamInfo(int number);
 // The entry, or nullptr outside 0..217.
 const JamCatalogueEntry* jamCatalogueEntry(int number);
 // True for the car files (team liveries and HELMETS1.JAM), to which the

@@ -1,7 +1,7 @@
 #include "graphics/MenuHelmet.h"
 
 #include "common/FileIO.h"
-#include "common/FileTail.h"
+#include "common/PatchableFile.h"
 #include "graphics/Palette.h"
 
 #include <algorithm>
@@ -42,6 +42,72 @@ bool replaceableInPlace(std::uint64_t offset, std::uint64_t length, std::uint64_
 
 bool isMenuHelmetPicture(const BitmapBuffer& picture) {
     return picture.valid() && picture.width == kMenuHelmetSide && picture.height == kMenuHelmetSide;
+}
+
+// The menu file's bytes, edited in memory.
+struct MenuBytes {
+    Bytes& bytes;
+    std::uint64_t size() const { return bytes.size(); }
+    bool read(std::uint64_t at, std::span<std::uint8_t> out) const {
+        if (at > bytes.size() || out.size() > bytes.size() - at) return false;
+        std::copy_n(bytes.begin() + std::ptrdiff_t(at), out.size(), out.begin());
+        return true;
+    }
+    bool write(std::uint64_t at, std::span<const std::uint8_t> data) {
+        if (at > bytes.size() || data.size() > bytes.size() - at) return false;
+        std::copy(data.begin(), data.end(), bytes.begin() + std::ptrdiff_t(at));
+        return true;
+    }
+    bool writeData(std::uint64_t at, std::span<const std::uint8_t> data) { return write(at, data); }
+    bool moveTail(std::uint64_t tailStart, std::int64_t delta) { return tarvel::moveTail(bytes, std::size_t(tailStart), delta); }
+    bool resize(std::uint64_t newSize) {
+        bytes.resize(std::size_t(newSize));
+        return true;
+    }
+    bool finish() { return true; }
+};
+
+// The game's menu file, edited in place with a 1024-byte work buffer.
+struct MenuFile {
+    PatchableFile file;
+    std::uint64_t size() const { return file.size(); }
+    bool read(std::uint64_t at, std::span<std::uint8_t> out) { return file.read(at, out); }
+    bool write(std::uint64_t at, std::span<const std::uint8_t> data) { return file.write(at, data); }
+    bool writeData(std::uint64_t at, std::span<const std::uint8_t> data) { return writeInPieces(file, at, data); }
+    bool moveTail(std::uint64_t tailStart, std::int64_t delta) { return moveFileTail(file, tailStart, delta); }
+    bool resize(std::uint64_t newSize) { return file.resize(newSize); }
+    bool finish() { return file.close(); }
+};
+
+// Replaces slot's coded data: the data after it moves by the change in length
+// (the file grows first, or is cut last) and the later index offsets follow.
+template <class Store>
+Status replaceMenuPictureIn(Store& store, int slot, std::span<const std::uint8_t> coded) {
+    const auto failed = [] { return fail(MessageId::FailedToExportMenuHelmet); };
+    if (!isMenuHelmetSlot(slot) || coded.empty()) return failed();
+    std::uint8_t entry[kEntryLengthField + 4];
+    std::uint8_t field[4];
+    if (!store.read(entryOffset(slot), entry) || !store.read(entryOffset(slot + 1), field)) return failed();
+    const std::uint32_t offset = loadU32(entry);
+    const std::uint32_t oldLength = loadU32(entry + kEntryLengthField);
+    const std::uint32_t nextOffset = loadU32(field);
+    const std::uint64_t oldSize = store.size();
+    if (!replaceableInPlace(offset, oldLength, nextOffset, oldSize)) return failed();
+    const std::int64_t d = std::int64_t(coded.size()) - std::int64_t(oldLength);
+    if (d != 0) {
+        if (!store.moveTail(nextOffset, d)) return failed();
+        for (int i = slot + 1; i < kMenuIndexEntries; ++i) {
+            if (!store.read(entryOffset(i), field)) return failed();
+            storeU32(field, std::uint32_t(std::int64_t(loadU32(field)) + d));
+            if (!store.write(entryOffset(i), field)) return failed();
+        }
+    }
+    std::uint8_t length[4];
+    storeU32(length, std::uint32_t(coded.size()));
+    if (!store.writeData(offset, coded) || !store.write(entryOffset(slot) + kEntryLengthField, length)) return failed();
+    if (d < 0 && !store.resize(std::uint64_t(std::int64_t(oldSize) + d))) return failed();
+    if (!store.finish()) return failed();
+    return {};
 }
 
 }  // namespace
@@ -127,27 +193,8 @@ Bytes codeMenuHelmet(const BitmapBuffer& picture) {
 }
 
 Status replaceMenuPicture(Bytes& file, int slot, std::span<const std::uint8_t> coded) {
-    if (!isMenuHelmetSlot(slot) || coded.empty()) return fail(MessageId::FailedToExportMenuHelmet);
-    auto entry = readMenuIndexEntry(file, slot);
-    auto next = readMenuIndexEntry(file, slot + 1);
-    if (!entry || !next || file.size() < entryOffset(kMenuIndexEntries) ||
-        !replaceableInPlace(entry->offset, entry->length, next->offset, file.size()))
-        return fail(MessageId::FailedToExportMenuHelmet);
-    const std::size_t oldSize = file.size();
-    const std::int64_t d = std::int64_t(coded.size()) - std::int64_t(entry->length);
-    if (d != 0) {
-        if (!moveTail(file, next->offset, d)) return fail(MessageId::FailedToExportMenuHelmet);
-        for (int i = slot + 1; i < kMenuIndexEntries; ++i) {
-            std::uint8_t* field = file.data() + entryOffset(i);
-            storeU32(field, std::uint32_t(std::int64_t(loadU32(field)) + d));
-        }
-    }
-    if (entry->offset > file.size()) return fail(MessageId::FailedToExportMenuHelmet);
-    if (entry->offset + coded.size() > file.size()) file.resize(entry->offset + coded.size());
-    std::copy(coded.begin(), coded.end(), file.begin() + std::ptrdiff_t(entry->offset));
-    storeU32(file.data() + entryOffset(slot) + kEntryLengthField, std::uint32_t(coded.size()));
-    if (d < 0) file.resize(std::size_t(std::int64_t(oldSize) + d));
-    return {};
+    MenuBytes store{file};
+    return replaceMenuPictureIn(store, slot, coded);
 }
 
 Result<BitmapBuffer> readMenuHelmet(const fs::path& gameFolder, int slot, Progress* progress) {
@@ -160,49 +207,23 @@ Result<BitmapBuffer> readMenuHelmet(const fs::path& gameFolder, int slot, Progre
     return decodeMenuPicture(*bytes, slot);
 }
 
-Status ExportMenuHelmet(const fs::path& gameFolder, int slot, const fs::path& bitmapPath, Progress* progress) {
+Status ImportMenuHelmetFromGame(const fs::path& gameFolder, int slot, const fs::path& bitmapPath, Progress* progress) {
     auto bitmap = readMenuHelmet(gameFolder, slot, progress);
     if (!bitmap) return fail(bitmap.error());
     if (!writeBitmapFile(bitmapPath, encodeBitmapKeepingPalette(*bitmap))) return fail(MessageId::FailedToImportMenuHelmet);
     return {};
 }
 
-Status ImportMenuHelmet(const fs::path& gameFolder, int slot, const BitmapBuffer& picture, Progress* progress) {
-    const auto failed = [] { return fail(MessageId::FailedToExportMenuHelmet); };
-    if (!isMenuHelmetSlot(slot)) return failed();
+Status ExportMenuHelmetToGame(const fs::path& gameFolder, int slot, const BitmapBuffer& picture, Progress* progress) {
+    if (!isMenuHelmetSlot(slot)) return fail(MessageId::FailedToExportMenuHelmet);
     Bytes coded = codeMenuHelmet(picture);
-    if (coded.empty()) return failed();
+    if (coded.empty()) return fail(MessageId::FailedToExportMenuHelmet);
     auto path = findGameFile(gameFolder, kMenuFileRelative);
-    if (!path || !clearReadOnly(*path)) return failed();
+    if (!path || !clearReadOnly(*path)) return fail(MessageId::FailedToExportMenuHelmet);
     reportFile(progress, *path, slot);
-    PatchableFile file;
-    if (!file.open(*path)) return failed();
-
-    std::uint8_t entry[kMenuIndexEntrySize];
-    if (!file.read(entryOffset(slot), entry, sizeof entry)) return failed();
-    const std::uint32_t offset = loadU32(entry);
-    const std::uint32_t oldLength = loadU32(entry + kEntryLengthField);
-    const std::int64_t d = std::int64_t(coded.size()) - std::int64_t(oldLength);
-    const std::uint64_t oldSize = file.size();
-    std::uint8_t field[4];
-    if (!file.read(entryOffset(slot + 1), field, sizeof field)) return failed();
-    const std::uint32_t nextOffset = loadU32(field);
-    if (!replaceableInPlace(offset, oldLength, nextOffset, oldSize)) return failed();
-    if (d != 0) {
-        if (!moveFileTail(file, nextOffset, d)) return failed();
-        for (int i = slot + 1; i < kMenuIndexEntries; ++i) {
-            if (!file.read(entryOffset(i), field, sizeof field)) return failed();
-            storeU32(field, std::uint32_t(std::int64_t(loadU32(field)) + d));
-            if (!file.write(entryOffset(i), field, sizeof field)) return failed();
-        }
-    }
-    if (offset > file.size()) return failed();
-    if (!writeInPieces(file, offset, coded)) return failed();
-    std::uint8_t length[4];
-    storeU32(length, std::uint32_t(coded.size()));
-    if (!file.write(entryOffset(slot) + kEntryLengthField, length, sizeof length) || !file.flush()) return failed();
-    if (d < 0 && !file.resize(std::uint64_t(std::int64_t(oldSize) + d))) return failed();
-    return {};
+    MenuFile store;
+    if (!store.file.open(*path, PatchableFile::Update)) return fail(MessageId::FailedToExportMenuHelmet);
+    return replaceMenuPictureIn(store, slot, coded);
 }
 
 }  // namespace tarvel

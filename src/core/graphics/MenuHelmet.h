@@ -51,11 +51,14 @@ Bytes codeMenuRow(std::span<const std::uint8_t> row);
 Status replaceMenuPicture(Bytes& file, int slot, std::span<const std::uint8_t> coded);
 
 // Reads slot's picture from the game's file and writes it as a bitmap file.
-Status ExportMenuHelmet(const std::filesystem::path& gameFolder, int slot, const std::filesystem::path& bitmapPath,
-                        Progress* progress = nullptr);
+// "Failed to Import Menu Helmet." on any failure.
+Status ImportMenuHelmetFromGame(const std::filesystem::path& gameFolder, int slot,
+                                const std::filesystem::path& bitmapPath, Progress* progress = nullptr);
 Result<BitmapBuffer> readMenuHelmet(const std::filesystem::path& gameFolder, int slot, Progress* progress = nullptr);
-// Codes the picture and replaces slot's picture in the game's file in place.
-Status ImportMenuHelmet(const std::filesystem::path& gameFolder, int slot, const BitmapBuffer& picture,
-                        Progress* progress = nullptr);
+// Codes the picture and replaces slot's picture in the game's file in place,
+// as replaceMenuPicture does in memory. "Failed to Export Menu Helmet." on any
+// failure.
+Status ExportMenuHelmetToGame(const std::filesystem::path& gameFolder, int slot, const BitmapBuffer& picture,
+                              Progress* progress = nullptr);
 
 }  // namespace tarvel

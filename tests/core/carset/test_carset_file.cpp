@@ -142,8 +142,8 @@ TEST(CarSetFile, WrittenBytesAreUnchanged) {
 class CarSetAssets : public ::testing::Test {
 protected:
     void SetUp() override {
-        int wheelRows = JamInfo(kFirstWheelJam + 2, 0);
-        int jamRows = JamInfo(40, 0);
+        int wheelRows = JamInfo(kFirstWheelJam + 2).canvasHeight;
+        int jamRows = JamInfo(40).canvasHeight;
         ASSERT_GT(wheelRows, 0);
         ASSERT_GT(jamRows, 0);
         test::writeFileBytes(dir / "wheel.bmp", pictureFile(256, wheelRows, 3));
@@ -197,8 +197,8 @@ protected:
 
 TEST_F(CarSetAssets, ExternalItemsAreReadInTheirStoredForm) {
     auto items = readAll(set);
-    EXPECT_EQ(items[0].size(), 256u * JamInfo(17, 0));
-    EXPECT_EQ(items[1].size(), 256u * JamInfo(40, 0));
+    EXPECT_EQ(items[0].size(), 256u * JamInfo(17).canvasHeight);
+    EXPECT_EQ(items[1].size(), 256u * JamInfo(40).canvasHeight);
     EXPECT_EQ(items[2].size(), 10816u);
     // Bottom row first, as the bitmap holds it.
     EXPECT_EQ(items[2][0], 1 + 5 % 150);
@@ -563,7 +563,7 @@ TEST(CarSetFileOldVersions, Version170) {
     jamMap[19] = 1;
     f.w.bytes(jamMap.data(), jamMap.size());
     f.w.u32(std::uint32_t(f.w.size() + 4));
-    Bytes jam(256u * JamInfo(19, 0), 42);
+    Bytes jam(256u * JamInfo(19).canvasHeight, 42);
     f.item(jam);
     // Cockpit slot 1 with its old colour record: 29 pairs of 32-bit values.
     f.entry(104, 1);
@@ -649,7 +649,7 @@ TEST(CarSetFileOldVersions, Version160) {
     f.w.zeros(16);
     for (int i = 0; i < 4; ++i) {
         f.w.patchU32(table + 4 * std::size_t(i), std::uint32_t(f.w.size()));
-        wheels[i] = Bytes(256u * JamInfo(kFirstWheelJam + i, 0), std::uint8_t(i + 60));
+        wheels[i] = Bytes(256u * JamInfo(kFirstWheelJam + i).canvasHeight, std::uint8_t(i + 60));
         f.item(wheels[i]);
     }
     // A JAM section that version 160 does not know is ignored.

@@ -98,12 +98,9 @@ TEST(CodePage, CharactersBothCodePagesHoldConvertExactlyAndBack) {
 }
 
 TEST(CodePage, BestFitsTowardsOem) {
-    EXPECT_EQ(windowsToOemChar(0xC0), 'A');   // À
-    EXPECT_EQ(windowsToOemChar(0xA9), 'c');   // ©
-    EXPECT_EQ(windowsToOemChar(0x8A), 'S');   // Š
-    EXPECT_EQ(windowsToOemChar(0x80), 'C');   // €
-    EXPECT_EQ(windowsToOemChar(0x93), '"');   // “
-    EXPECT_EQ(windowsToOemChar(0x96), '-');   // –
+    // À © Š € “ –
+    const std::pair<unsigned char, char> fits[] = {{0xC0, 'A'}, {0xA9, 'c'}, {0x8A, 'S'}, {0x80, 'C'}, {0x93, '"'}, {0x96, '-'}};
+    for (auto [windows, oem] : fits) EXPECT_EQ(windowsToOemChar(windows), oem) << int(windows);
     EXPECT_EQ(windowsToOem(w({'J', 0xE3, 'o'})), "Jao");   // ã
     // A character without an exact counterpart never lands on a 437 letter
     // that reads differently, and never on a control byte.
@@ -120,12 +117,9 @@ TEST(CodePage, BestFitsTowardsOem) {
 }
 
 TEST(CodePage, BestFitsTowardsWindows) {
-    EXPECT_EQ(oemToWindowsChar(0xC4), '-');   // ─
-    EXPECT_EQ(oemToWindowsChar(0xB3), '|');   // │
-    EXPECT_EQ(oemToWindowsChar(0xDA), '+');   // ┌
-    EXPECT_EQ(oemToWindowsChar(0xCD), '=');   // ═
-    EXPECT_EQ(oemToWindowsChar(0xE0), 'a');   // α
-    EXPECT_EQ(oemToWindowsChar(0xE1), 0xDF);  // ß is shared, not the Greek beta
+    // ─ │ ┌ ═ α, and ß, which is shared, not the Greek beta.
+    const std::pair<unsigned char, unsigned char> fits[] = {{0xC4, '-'}, {0xB3, '|'}, {0xDA, '+'}, {0xCD, '='}, {0xE0, 'a'}, {0xE1, 0xDF}};
+    for (auto [oem, windows] : fits) EXPECT_EQ(oemToWindowsChar(oem), windows) << int(oem);
     // Every box-drawing character becomes ASCII line art.
     for (int c = 0xB3; c <= 0xDA; ++c) {
         unsigned char o = oemToWindowsChar(static_cast<unsigned char>(c));

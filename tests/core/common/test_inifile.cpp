@@ -42,28 +42,21 @@ TEST_F(IniTest, SectionsAndKeysIgnoreCaseAndBlanks) {
     EXPECT_EQ(ini.getString("Files", "Mosaic", "none"), "none");
 }
 
-TEST_F(IniTest, IntegersReadLikeTheProfileReader) {
-    write("[C]\nA=12abc\nB=abc\nC=  -7\nD=+5\nE=\nF=0x10\nG=4294967297\n");
+TEST_F(IniTest, IntegersAndStringsReadLikeTheProfileReader) {
+    write("[C]\nA=12abc\nB=abc\nC=  -7\nD=+5\nE=\nF=0x10\nG=4294967297\n"
+          "[S]\nA=\"  quoted \"\nB='single'\nC=\"unbalanced\nD=  in side  \n");
     IniFile ini(path_);
-    EXPECT_EQ(ini.getInt("C", "A", 99), 12);
-    EXPECT_EQ(ini.getInt("C", "B", 99), 0);
-    EXPECT_EQ(ini.getInt("C", "C", 99), -7);
-    EXPECT_EQ(ini.getInt("C", "D", 99), 5);
-    EXPECT_EQ(ini.getInt("C", "E", 99), 99);        // empty value: the default
-    EXPECT_EQ(ini.getInt("C", "F", 99), 0);         // no hexadecimal
-    EXPECT_EQ(ini.getInt("C", "G", 99), 1);         // 32-bit wrap
-    EXPECT_EQ(ini.getInt("C", "Missing", 99), 99);
+    const std::pair<const char*, int> integers[] = {
+        {"A", 12}, {"B", 0}, {"C", -7}, {"D", 5},
+        {"E", 99},        // empty value: the default
+        {"F", 0},         // no hexadecimal
+        {"G", 1},         // 32-bit wrap
+        {"Missing", 99}};
+    for (auto [key, value] : integers) EXPECT_EQ(ini.getInt("C", key, 99), value) << key;
     EXPECT_EQ(ini.getInt("NoSection", "A", -3), -3);
-}
-
-TEST_F(IniTest, StringsLoseSurroundingBlanksAndQuotes) {
-    write("[S]\nA=\"  quoted \"\nB='single'\nC=\"unbalanced\nD=  in side  \n");
-    IniFile ini(path_);
-    EXPECT_EQ(ini.getString("S", "A", ""), "  quoted ");
-    EXPECT_EQ(ini.getString("S", "B", ""), "single");
-    EXPECT_EQ(ini.getString("S", "C", ""), "\"unbalanced");
-    EXPECT_EQ(ini.getString("S", "D", ""), "in side");
-    EXPECT_EQ(ini.getString("S", "E", "dflt"), "dflt");
+    const std::pair<const char*, const char*> strings[] = {
+        {"A", "  quoted "}, {"B", "single"}, {"C", "\"unbalanced"}, {"D", "in side"}, {"E", "dflt"}};
+    for (auto [key, value] : strings) EXPECT_EQ(ini.getString("S", key, "dflt"), value) << key;
 }
 
 TEST_F(IniTest, WritingAKeyKeepsEveryOtherLine) {
@@ -134,23 +127,17 @@ TEST_F(IniTest, WritesSeeChangesMadeByAnotherProcess) {
     EXPECT_EQ(check.getInt("Config", "B", 0), 2);
 }
 
+// The 0/1 settings in the order CheckSum, NiceGrid, HighGrip, ClearJam, FixGreen,
+// FixStrip, GP2Palette, ShowInfo, SoftenMenu, TeamSwap.
+std::array<bool, 10> flags(const Config& c) {
+    return {c.checkSum, c.niceGrid, c.highGrip, c.clearJam, c.fixGreen, c.fixStrip, c.gp2Palette, c.showInfo, c.softenMenu, c.teamSwap};
+}
+
 TEST_F(IniTest, ConfigDefaultsWhenTheFileIsMissing) {
-    IniFile ini(path_);
-    Config c = readConfig(ini);
-    EXPECT_EQ(c.gameFolder, "");
-    EXPECT_EQ(c.autoFile, "");
-    EXPECT_TRUE(c.checkSum);
-    EXPECT_TRUE(c.niceGrid);
-    EXPECT_FALSE(c.highGrip);
-    EXPECT_TRUE(c.clearJam);
-    EXPECT_FALSE(c.fixGreen);
-    EXPECT_TRUE(c.fixStrip);
-    EXPECT_FALSE(c.gp2Palette);
-    EXPECT_TRUE(c.showInfo);
+    const Config c = readConfig(IniFile(path_));
+    EXPECT_EQ(flags(c), (std::array<bool, 10>{true, true, false, true, false, true, false, true, false, false}));
     EXPECT_EQ(c.mosaic, 3);
-    EXPECT_FALSE(c.softenMenu);
-    EXPECT_FALSE(c.teamSwap);
-    EXPECT_EQ(c.launchCommand, "");
+    EXPECT_EQ(c.gameFolder + c.autoFile + c.launchCommand, "");
 }
 
 TEST_F(IniTest, ConfigReadsStoredValues) {
@@ -160,10 +147,7 @@ TEST_F(IniTest, ConfigReadsStoredValues) {
     EXPECT_EQ(c.gameFolder, "");      // "X" is not set
     EXPECT_EQ(c.autoFile, "");        // "x" is "X" without regard to case
     EXPECT_EQ(c.mosaic, 4);
-    EXPECT_FALSE(c.checkSum);
-    EXPECT_TRUE(c.highGrip);
-    EXPECT_FALSE(c.showInfo);
-    EXPECT_TRUE(c.gp2Palette);
+    EXPECT_EQ(flags(c), (std::array<bool, 10>{false, true, true, true, false, true, true, false, false, false}));
     EXPECT_EQ(c.launchCommand, "dosbox \"%s\"");
 
     write("[Files]\nLocate GP2.EXE=/games/gp2\nAutoFile=/sets/a.GP2\n[Config]\nMosaic=-2\n");
@@ -188,7 +172,7 @@ TEST_F(IniTest, WriteConfigWritesEveryKeyButShowInfoAndAutoFile) {
     c.showInfo = true;
     c.autoFile = "/other.GP2";
     c.launchCommand = "run %s";
-    writeConfig(ini, c);
+    ASSERT_TRUE(writeConfig(ini, c));
 
     IniFile reread(path_);
     for (const char* key : {"CheckSum", "NiceGrid", "HighGrip", "ClearJam", "FixGreen", "FixStrip", "GP2Palette",
@@ -203,8 +187,16 @@ TEST_F(IniTest, WriteConfigWritesEveryKeyButShowInfoAndAutoFile) {
     EXPECT_EQ(back.launchCommand, "run %s");
 
     c.gameFolder.clear();
-    writeConfig(ini, c);
+    ASSERT_TRUE(writeConfig(ini, c));
     EXPECT_EQ(IniFile(path_).getString("Files", "Locate GP2.EXE", ""), "X");
+
+    // A file that cannot be written is reported by its name.
+    const fs::path unwritable = temp_.path() / "missing" / "tarvel32.ini";
+    IniFile blocked(unwritable);
+    auto failed = writeConfig(blocked, c);
+    ASSERT_FALSE(failed);
+    EXPECT_EQ(failed.error().id, MessageId::CouldntWriteFile);
+    EXPECT_EQ(failed.error().arg, unwritable.string());
 }
 
 TEST(ConfigPath, EnvironmentDecidesTheLocation) {

@@ -20,37 +20,32 @@ Bytes decode(const Bytes& coded, std::size_t limit = 1u << 24) {
 }
 
 TEST(RunLength, LiveryOfEqualBytesCodesTo667Pairs) {
-    Bytes raw(41984, 7);
-    Bytes coded = encode(raw);
-    ASSERT_EQ(coded.size(), 1334u);
-    EXPECT_EQ(runLengthCodedSize(raw), 1334u);
-    for (std::size_t i = 0; i < 666; ++i) {
-        EXPECT_EQ(coded[2 * i], 255);
-        EXPECT_EQ(coded[2 * i + 1], 7);
-    }
-    EXPECT_EQ(coded[1332], 192 + 26);
-    EXPECT_EQ(coded[1333], 7);
-    EXPECT_TRUE(runLengthPays(raw.size(), coded.size()));
-    EXPECT_EQ(decode(coded), raw);
+    Bytes raw(41984, 7), expected;
+    for (int i = 0; i < 666; ++i) expected.insert(expected.end(), {255, 7});
+    expected.insert(expected.end(), {192 + 26, 7});
+    EXPECT_EQ(encode(raw), expected);
+    EXPECT_EQ(runLengthCodedSize(raw), expected.size());
+    EXPECT_EQ(decode(expected), raw);
 }
 
 TEST(RunLength, RunLimitsAndEscapes) {
-    // A run of 63 is one pair; 64 splits into a pair and a single byte.
-    EXPECT_EQ(encode(Bytes(63, 9)), (Bytes{255, 9}));
-    EXPECT_EQ(encode(Bytes(64, 9)), (Bytes{255, 9, 9}));
-    EXPECT_EQ(encode(Bytes(64, 200)), (Bytes{255, 200, 193, 200}));
-    EXPECT_EQ(encode(Bytes(126, 1)), (Bytes{255, 1, 255, 1}));
-    // Two equal bytes are still a run.
-    EXPECT_EQ(encode(Bytes{5, 5}), (Bytes{194, 5}));
-    // 192 is a literal; 193 and above are escaped when single.
-    EXPECT_EQ(encode(Bytes{192}), (Bytes{192}));
-    EXPECT_EQ(encode(Bytes{193}), (Bytes{193, 193}));
-    EXPECT_EQ(encode(Bytes{255}), (Bytes{193, 255}));
-    EXPECT_EQ(encode(Bytes{0, 192, 1}), (Bytes{0, 192, 1}));
-    EXPECT_EQ(decode(Bytes{192}), (Bytes{192}));
-    EXPECT_EQ(decode(Bytes{193, 255}), (Bytes{255}));
-    EXPECT_EQ(decode(Bytes{255, 192}), Bytes(63, 192));
-    EXPECT_TRUE(encode(Bytes{}).empty());
+    const std::pair<Bytes, Bytes> cases[] = {
+        {Bytes(63, 9), {255, 9}},             // a run of 63 is one pair
+        {Bytes(64, 9), {255, 9, 9}},          // 64: a pair and a single byte
+        {Bytes(64, 200), {255, 200, 193, 200}},
+        {Bytes(126, 1), {255, 1, 255, 1}},
+        {{5, 5}, {194, 5}},                   // two equal bytes are still a run
+        {{192}, {192}},                       // 192 is a literal
+        {{193}, {193, 193}},                  // 193 and above are escaped when single
+        {{255}, {193, 255}},
+        {{0, 192, 1}, {0, 192, 1}},
+        {Bytes(63, 192), {255, 192}},
+        {{}, {}},
+    };
+    for (const auto& [raw, coded] : cases) {
+        EXPECT_EQ(encode(raw), coded) << raw.size();
+        EXPECT_EQ(decode(coded), raw) << raw.size();
+    }
 }
 
 // The coding rules written out byte by byte, as a reference for the coder.
@@ -108,31 +103,30 @@ TEST(RunLength, RoundTripOfMixedDataAndDryRunAgree) {
     }
 }
 
-TEST(RunLength, DecoderRefusesDamagedInput) {
-    Bytes out;
-    // A run code as the last byte has no value byte.
-    EXPECT_FALSE(runLengthDecode(Bytes{1, 2, 200}, out, 100));
-    // Output would pass the limit, by a literal and by a run.
-    out.clear();
-    EXPECT_FALSE(runLengthDecode(Bytes{1, 2, 3}, out, 2));
-    out.clear();
-    EXPECT_FALSE(runLengthDecode(Bytes{255, 4}, out, 62));
-    out.clear();
-    EXPECT_TRUE(runLengthDecode(Bytes{255, 4}, out, 63));
-    EXPECT_EQ(out, Bytes(63, 4));
+TEST(RunLength, DecoderRefusesDamagedInputAndOutputPastTheLimit) {
+    struct Case {
+        Bytes coded;
+        std::size_t limit;
+        bool ok;
+    };
+    const Case cases[] = {
+        {{1, 2, 200}, 100, false},   // a run code as the last byte has no value byte
+        {{1, 2, 3}, 2, false},       // a literal past the limit
+        {{255, 4}, 62, false},       // a run past the limit
+        {{255, 4}, 63, true},
+    };
+    for (const Case& c : cases) {
+        Bytes out;
+        EXPECT_EQ(runLengthDecode(c.coded, out, c.limit), c.ok) << c.limit;
+    }
 }
 
 TEST(RunLength, CodedOnlyBelowNineTenthsOfRaw) {
     // Car bitmap, helmet sheet and menu helmet limits.
-    EXPECT_TRUE(runLengthPays(41984, 37784));
-    EXPECT_FALSE(runLengthPays(41984, 37785));
-    EXPECT_TRUE(runLengthPays(46080, 41471));
-    EXPECT_FALSE(runLengthPays(46080, 41472));
-    EXPECT_TRUE(runLengthPays(10816, 9733));
-    EXPECT_FALSE(runLengthPays(10816, 9734));
-    EXPECT_FALSE(runLengthPays(100, 0));
-    EXPECT_FALSE(runLengthPays(1, 0));
-    EXPECT_FALSE(runLengthPays(0, 0));
+    const std::tuple<std::size_t, std::size_t, bool> cases[] = {
+        {41984, 37784, true}, {41984, 37785, false}, {46080, 41471, true}, {46080, 41472, false},
+        {10816, 9733, true},  {10816, 9734, false},  {100, 0, false},      {1, 0, false}, {0, 0, false}};
+    for (auto [raw, coded, pays] : cases) EXPECT_EQ(runLengthPays(raw, coded), pays) << raw << " " << coded;
 }
 
 }  // namespace

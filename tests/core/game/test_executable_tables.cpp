@@ -1,6 +1,7 @@
 #include "GameTestSupport.h"
 #include "common/Messages.h"
 #include "game/GameExecutable.h"
+#include "game/GameNames.h"
 #include "game/StateFile.h"
 
 #include <gtest/gtest.h>
@@ -88,49 +89,66 @@ TEST_F(ExecutableTables, ImportConvertsNamesFromTheGameCodePage) {
 
 TEST_F(ExecutableTables, ImportClampsPowerFailureAndGrips) {
     makeGame(3);
-    pokeU16(at(fixture::kRacePower, 3), 0);              // below the offset: power 0
-    pokeU16(at(fixture::kQualPower, 3), 40000);          // far above: 1579
-    pokeU16(at(fixture::kRacePower, 3) + 2, 32817 + 1579);
-    pokeU16(at(fixture::kQualPower, 3) + 2, 32817 + 1580);
-    pokeU16(at(fixture::kFailure, 3), 40000);
-    pokeU16(at(fixture::kFailure, 3) + 2, 32767);
-    pokeU16(at(fixture::kGripPair, 3), 100);             // number 1 qualifying grip
-    pokeU16(at(fixture::kGripPair, 3) + 2, 65535);       // number 1 race grip
-    pokeU16(at(fixture::kGripPair, 3) + 4, 15751);
-    pokeU16(at(fixture::kGripPair, 3) + 6, 32768);
-    pokeU16(at(fixture::kGripRange, 3), 50000);
+    const std::pair<std::uint32_t, std::uint16_t> pokes[] = {
+        {at(fixture::kRacePower, 3), 0},                 // below the offset: power 0
+        {at(fixture::kQualPower, 3), 40000},             // far above: 1579
+        {at(fixture::kRacePower, 3) + 2, 32817 + 1579},
+        {at(fixture::kQualPower, 3) + 2, 32817 + 1580},
+        {at(fixture::kFailure, 3), 40000},
+        {at(fixture::kFailure, 3) + 2, 32767},
+        {at(fixture::kGripPair, 3), 100},                // number 1 qualifying grip
+        {at(fixture::kGripPair, 3) + 2, 65535},          // number 1 race grip
+        {at(fixture::kGripPair, 3) + 4, 15751},
+        {at(fixture::kGripPair, 3) + 6, 32768},
+        {at(fixture::kGripRange, 3), 50000},
+    };
+    for (auto [offset, value] : pokes) pokeU16(offset, value);
     CarSet set;
     ASSERT_TRUE(importTables(set));
-    EXPECT_EQ(set.teams[0].powerRace, 0);
-    EXPECT_EQ(set.teams[0].powerQual, 1579);
-    EXPECT_EQ(set.teams[1].powerRace, 1579);
-    EXPECT_EQ(set.teams[1].powerQual, 1579);
-    EXPECT_EQ(set.teams[0].failureProbability, 32767);
-    EXPECT_EQ(set.teams[1].failureProbability, 32767);
-    EXPECT_EQ(set.drivers[1].gripQual, 15751);
-    EXPECT_EQ(set.drivers[1].gripRace, 32767);
-    EXPECT_EQ(set.drivers[2].gripQual, 15751);
-    EXPECT_EQ(set.drivers[2].gripRace, 32767);
-    EXPECT_EQ(set.drivers[1].gripRandom, 32767);
+    const TeamRecord &t0 = set.teams[0], &t1 = set.teams[1];
+    EXPECT_EQ((std::array<int, 6>{t0.powerRace, t0.powerQual, t1.powerRace, t1.powerQual, t0.failureProbability, t1.failureProbability}),
+              (std::array<int, 6>{0, 1579, 1579, 1579, 32767, 32767}));
+    const DriverRecord &d1 = set.drivers[1], &d2 = set.drivers[2];
+    EXPECT_EQ((std::array<int, 5>{d1.gripQual, d1.gripRace, d2.gripQual, d2.gripRace, d1.gripRandom}),
+              (std::array<int, 5>{15751, 32767, 15751, 32767, 32767}));
 }
 
-TEST_F(ExecutableTables, DriverNumberChecks) {
+TEST(DriverNumbers, TableIsCheckedWithTheFlagBitTakenOffAbove128) {
+    std::array<std::uint8_t, 28> good{};
+    for (int k = 0; k < 28; ++k) good[std::size_t(k)] = std::uint8_t(k + 1);
+    struct Case {
+        int seat;
+        std::uint8_t value;
+        bool valid;
+    };
+    const Case cases[] = {{3, 128, false},        // exactly 128 is not reduced and exceeds 40
+                          {3, 128 + 40, true},    // flagged 40
+                          {3, 41, false},
+                          {3, 1 + 128, false},    // team 0's first number again
+                          {3, 0, true}};          // one empty seat
+    for (const Case& c : cases) {
+        auto raw = good;
+        raw[std::size_t(c.seat)] = c.value;
+        EXPECT_EQ(driverNumbersValid(raw), c.valid) << c.seat << " " << int(c.value);
+    }
+    auto threeEmpty = good;
+    threeEmpty[0] = threeEmpty[1] = threeEmpty[2] = 0;
+    EXPECT_FALSE(driverNumbersValid(threeEmpty));
+    threeEmpty[2] = 3;
+    EXPECT_TRUE(driverNumbersValid(threeEmpty));
+}
+
+TEST_F(ExecutableTables, FlaggedNumbersImportAndBadOnesAreRefused) {
     makeGame();
     CarSet set;
-    poke(numbersAt() + 3, {128});   // exactly 128 is not reduced and exceeds 40
-    auto result = importTables(set);
-    ASSERT_FALSE(result);
-    EXPECT_EQ(result.error().id, MessageId::BadDriverNumbers);
-
-    poke(numbersAt() + 3, {128 + 40});   // flagged 40 is fine
+    poke(numbersAt() + 3, {128 + 40});
     ASSERT_TRUE(importTables(set));
     EXPECT_EQ(set.teams[1].driver[1], 40);
     EXPECT_EQ(set.teams[1].flagS[1], 1);
-
     poke(numbersAt() + 3, {41});
-    EXPECT_EQ(importTables(set).error().id, MessageId::BadDriverNumbers);
-    poke(numbersAt() + 3, {1 + 128});    // the same number as team 0's first seat
-    EXPECT_EQ(importTables(set).error().id, MessageId::BadDriverNumbers);
+    auto result = importTables(set);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().id, MessageId::BadDriverNumbers);
 }
 
 TEST_F(ExecutableTables, TwoEmptySeatsBecomeDisabledCarsThreeAreRefused) {
@@ -233,33 +251,28 @@ TEST_F(ExecutableTables, ExportWritesTheTablesInTheGameEncoding) {
     ASSERT_TRUE(exportTables(set));
     Bytes data = readFileBytes(exe);
     ASSERT_EQ(data.size(), kFixtureExeSize);
-    const std::uint32_t names = at(fixture::kNames, 1);
-    EXPECT_EQ(data[numbersAt() + 0], 1);
-    EXPECT_EQ(data[numbersAt() + 8], 9 + 128) << "flagged seat";
-    EXPECT_EQ(data[numbersAt() + 11], 0) << "disabled seat";
+    const std::uint32_t names = at(fixture::kNames, 1), numbers = numbersAt(), pit = at(fixture::kPitBox, 1);
+    // Offset and byte: numbers (a flagged seat, a disabled seat), the high nose
+    // pairs (normalised to 1), pit boxes and the car number layout.
+    const std::pair<std::uint32_t, int> bytes[] = {
+        {numbers + 0, 1}, {numbers + 8, 9 + 128}, {numbers + 11, 0},
+        {fixture::kHighNose + 0, 0}, {fixture::kHighNose + 53, 1}, {fixture::kHighNose + 4, 2}, {fixture::kHighNose + 4 + 53, 0},
+        {pit + 0, 4}, {pit + 11, 1}, {fixture::kLayout, 255}, {fixture::kLayout + 128, 9}, {fixture::kLayout + 151, 32}};
+    for (auto [offset, value] : bytes) EXPECT_EQ(data[offset], value) << offset;
     for (int n = 0; n < 40; ++n) EXPECT_EQ(data[at(fixture::kNumberMap, 1) + std::uint32_t(n)], 0);
-    EXPECT_EQ(fieldAt(data, names + 24 * 12, 24), "Not Used");
-    EXPECT_EQ(fieldAt(data, names + 24 * 39, 24), "Spare40");
-    EXPECT_EQ(fieldAt(data, names + 24 * 29, 24), "Spare30");
-    EXPECT_EQ(fieldAt(data, names + 24 * 11, 24), "Pilot 12") << "a disabled seat's driver still gets his name";
-    EXPECT_EQ(fieldAt(data, names + 24 * 2, 24), "Jos\x82 Mar\xa1" "a Gonz\xa0lez Pe\xa4");
-    EXPECT_EQ(fieldAt(data, names + 960 + 13 * 2, 13), "\x8e\x82\x8a\x81\xa4\x87 Team!");
-    EXPECT_EQ(u16At(data, at(fixture::kRacePower, 1) + 2), 32817 + 107);
-    EXPECT_EQ(u16At(data, at(fixture::kQualPower, 1) + 2), 32817 + 1578);
-    EXPECT_EQ(u16At(data, at(fixture::kFailure, 1) + 4), 4000);
-    EXPECT_EQ(u16At(data, at(fixture::kGripPair, 1) + 4 * 2), 17000 + 270) << "qualifying grip first";
-    EXPECT_EQ(u16At(data, at(fixture::kGripPair, 1) + 4 * 2 + 2), 16000 + 300);
-    EXPECT_EQ(u16At(data, at(fixture::kGripRange, 1) + 4 * 2), 33);
-    EXPECT_EQ(data[fixture::kHighNose + 0], 0);
-    EXPECT_EQ(data[fixture::kHighNose + 53], 1) << "high nose normalised to 1";
-    EXPECT_EQ(data[fixture::kHighNose + 4], 2);
-    EXPECT_EQ(data[fixture::kHighNose + 4 + 53], 0);
-    EXPECT_EQ(data[at(fixture::kPitBox, 1) + 0], 4);
-    EXPECT_EQ(data[at(fixture::kPitBox, 1) + 11], 1);
-    for (int slot = 14; slot < 20; ++slot) EXPECT_EQ(data[at(fixture::kPitBox, 1) + std::uint32_t(slot)], slot + 1);
-    EXPECT_EQ(data[fixture::kLayout], 255);
-    EXPECT_EQ(data[fixture::kLayout + 128], 9);
-    EXPECT_EQ(data[fixture::kLayout + 151], 32);
+    for (int slot = 14; slot < 20; ++slot) EXPECT_EQ(data[pit + std::uint32_t(slot)], slot + 1);
+    // Words: power, failure, grips (qualifying first) and the grip range.
+    const std::pair<std::uint32_t, int> words[] = {
+        {at(fixture::kRacePower, 1) + 2, 32817 + 107}, {at(fixture::kQualPower, 1) + 2, 32817 + 1578},
+        {at(fixture::kFailure, 1) + 4, 4000}, {at(fixture::kGripPair, 1) + 8, 17000 + 270},
+        {at(fixture::kGripPair, 1) + 10, 16000 + 300}, {at(fixture::kGripRange, 1) + 8, 33}};
+    for (auto [offset, value] : words) EXPECT_EQ(u16At(data, offset), value) << offset;
+    // Names: placeholders, a disabled seat's driver, the game's code page.
+    const std::tuple<std::uint32_t, std::size_t, std::string> texts[] = {
+        {names + 24 * 12, 24, "Not Used"}, {names + 24 * 39, 24, "Spare40"}, {names + 24 * 29, 24, "Spare30"},
+        {names + 24 * 11, 24, "Pilot 12"}, {names + 24 * 2, 24, "Jos\x82 Mar\xa1" "a Gonz\xa0lez Pe\xa4"},
+        {names + 960 + 13 * 2, 13, "\x8e\x82\x8a\x81\xa4\x87 Team!"}};
+    for (const auto& [offset, size, text] : texts) EXPECT_EQ(fieldAt(data, offset, size), text) << offset;
 }
 
 TEST_F(ExecutableTables, ExportThenImportGivesBackTheTeamDataForEveryRelease) {
@@ -269,27 +282,19 @@ TEST_F(ExecutableTables, ExportThenImportGivesBackTheTeamDataForEveryRelease) {
         ASSERT_TRUE(exportTables(set));
         CarSet back;
         ASSERT_TRUE(importTables(back)) << "release " << r;
-        for (int team = 0; team < 14; ++team) {
-            const TeamRecord& a = set.teams[std::size_t(team)];
-            const TeamRecord& b = back.teams[std::size_t(team)];
-            EXPECT_EQ(fieldText(a.name), fieldText(b.name));
-            EXPECT_EQ(fieldText(a.engine), fieldText(b.engine));
-            EXPECT_EQ(a.powerRace, b.powerRace);
-            EXPECT_EQ(a.powerQual, b.powerQual);
-            EXPECT_EQ(a.failureProbability, b.failureProbability);
-            EXPECT_EQ(a.highNose ? 1 : 0, b.highNose);
-            EXPECT_EQ(a.teamOrder, b.teamOrder);
-            EXPECT_EQ(a.driver, b.driver);
-            EXPECT_EQ(a.flagS, b.flagS);
+        // What the game keeps of a team and its drivers (the high nose as 0 or 1).
+        const auto kept = [](const CarSet& s, int team) {
+            const TeamRecord& t = s.teams[std::size_t(team)];
+            std::vector<std::string> text{fieldText(t.name), fieldText(t.engine)};
+            std::vector<int> values{t.powerRace, t.powerQual, t.failureProbability, t.highNose ? 1 : 0, t.teamOrder};
             for (int seat = 0; seat < 2; ++seat) {
-                const DriverRecord& da = set.drivers[std::size_t(a.driver[std::size_t(seat)])];
-                const DriverRecord& db = back.drivers[std::size_t(b.driver[std::size_t(seat)])];
-                EXPECT_EQ(fieldText(da.name), fieldText(db.name));
-                EXPECT_EQ(da.gripRace, db.gripRace);
-                EXPECT_EQ(da.gripQual, db.gripQual);
-                EXPECT_EQ(da.gripRandom, db.gripRandom);
+                const DriverRecord& d = s.drivers[std::size_t(t.driver[std::size_t(seat)])];
+                text.push_back(fieldText(d.name));
+                values.insert(values.end(), {t.driver[std::size_t(seat)], t.flagS[std::size_t(seat)], d.gripRace, d.gripQual, d.gripRandom});
             }
-        }
+            return std::pair{text, values};
+        };
+        for (int team = 0; team < 14; ++team) EXPECT_EQ(kept(back, team), kept(set, team)) << "release " << r << " team " << team;
         EXPECT_EQ(back.carNumbersImport, set.carNumbers);
     }
 }

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 
 namespace tarvel {
 namespace {
@@ -13,52 +12,36 @@ using test::TempFolder;
 TEST(GameVersion, RecognisesEveryRelease) {
     TempFolder folder("version");
     for (int release = 0; release < kGameReleaseCount; ++release) {
-        test::writeFileBytes(folder.path() / "GP2.EXE", test::makeGameExecutable(release));
+        // Odd releases installed with lower-case names.
+        const auto exe = folder.path() / (release % 2 ? "gp2.exe" : "GP2.EXE");
+        test::writeFileBytes(exe, test::makeGameExecutable(release));
         EXPECT_EQ(DetectGameVersion(folder.path()), release) << "release " << release;
+        fs::remove(exe);
     }
 }
 
-TEST(GameVersion, OneByteNeighboursUkAndUs) {
+TEST(GameVersion, TagsAreReadAtTheirOffsetsInFilesLongEnoughForTheLastOne) {
+    struct Case {
+        std::size_t size;
+        std::string text;   // written at 5671741, where release 5 reads; release 0 reads one byte later
+        int release;
+    };
+    const Case cases[] = {
+        {kGameExeSize, "UUK", 0},      // release 5's place reads "UU", release 0's "UK"
+        {kGameExeSize, "US", 5},       // release 0 sees "S" then 0
+        {5675467, "UUK", -1},          // one byte short of the last tag's end, despite the tag
+        {5675468, "UUK", 0},
+        {kGameExeSize, "xx", -1},
+        {100, "", -1},
+    };
     TempFolder folder("version");
-    Bytes exe(kGameExeSize, 0);
-    // "UUK": the release-5 place reads "UU", the release-0 place "UK".
-    exe[5671741] = 'U';
-    exe[5671742] = 'U';
-    exe[5671743] = 'K';
-    test::writeFileBytes(folder.path() / "GP2.EXE", exe);
-    EXPECT_EQ(DetectGameVersion(folder.path()), 0);
-    // "US" one byte earlier: release 0 sees "S" then 0 and does not match.
-    exe[5671742] = 'S';
-    exe[5671743] = 0;
-    test::writeFileBytes(folder.path() / "GP2.EXE", exe);
-    EXPECT_EQ(DetectGameVersion(folder.path()), 5);
-}
-
-TEST(GameVersion, LengthLimitIsTheLargestTagOffset) {
-    TempFolder folder("version");
-    Bytes exe(5675467, 0);
-    exe[5671742] = 'U';
-    exe[5671743] = 'K';
-    test::writeFileBytes(folder.path() / "GP2.EXE", exe);
-    EXPECT_EQ(DetectGameVersion(folder.path()), -1) << "a file one byte short is refused despite its tag";
-    exe.push_back(0);
-    test::writeFileBytes(folder.path() / "GP2.EXE", exe);
-    EXPECT_EQ(DetectGameVersion(folder.path()), 0);
-}
-
-TEST(GameVersion, UnrecognisedOrMissing) {
-    TempFolder folder("version");
-    EXPECT_EQ(DetectGameVersion(folder.path()), -1);
-    test::writeFileBytes(folder.path() / "GP2.EXE", Bytes(kGameExeSize, 'x'));
-    EXPECT_EQ(DetectGameVersion(folder.path()), -1);
-    test::writeFileBytes(folder.path() / "GP2.EXE", Bytes(100, 0));
-    EXPECT_EQ(DetectGameVersion(folder.path()), -1);
-}
-
-TEST(GameVersion, LowerCaseInstallation) {
-    TempFolder folder("version");
-    test::writeFileBytes(folder.path() / "gp2.exe", test::makeGameExecutable(6));
-    EXPECT_EQ(DetectGameVersion(folder.path()), 6);
+    EXPECT_EQ(DetectGameVersion(folder.path()), -1) << "no GP2.EXE";
+    for (const Case& c : cases) {
+        Bytes exe(c.size, 0);
+        std::copy(c.text.begin(), c.text.end(), exe.begin() + std::ptrdiff_t(std::min<std::size_t>(5671741, c.size)));
+        test::writeFileBytes(folder.path() / "GP2.EXE", exe);
+        EXPECT_EQ(DetectGameVersion(folder.path()), c.release) << c.size << " " << c.text;
+    }
 }
 
 TEST(GameVersion, OffsetTablesFollowTheReleaseShift) {

@@ -79,7 +79,7 @@ TEST_F(PictureItems, ExportTakesSlotPicturesFromTheirFiles) {
     ASSERT_TRUE(SaveBitmap8(helmetFile, helmet, graphicsOptions(context.options)));
     set.menuHelmets[5].status = kAssetExternal;
     setFieldText(set.menuHelmets[5].path, helmetFile.string());
-    BitmapBuffer wheel(256, JamInfo(16, 0));
+    BitmapBuffer wheel(256, JamInfo(16).canvasHeight);
     std::fill(wheel.pixels(), wheel.pixels() + wheel.pixelBytes(), colour);
     fs::path wheelFile = folder.path() / "wheel.bmp";
     ASSERT_TRUE(SaveBitmap8(wheelFile, wheel, graphicsOptions(context.options)));

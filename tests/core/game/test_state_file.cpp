@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <random>
 
 namespace tarvel {
@@ -13,36 +12,29 @@ namespace fs = std::filesystem;
 using namespace test;
 
 TEST(StateFileTrailer, SumAndRotatingValue) {
-    EXPECT_EQ(computeStateFileTrailer({}), (StateFileTrailer{0, 0}));
-    const std::uint8_t small[] = {1, 2, 3};
-    // 1; (1 << 3) + 2 = 10; (10 << 3) + 3 = 83.
-    EXPECT_EQ(computeStateFileTrailer(small), (StateFileTrailer{6, 83}));
-    // The rotation carries the top three bits round: 0x2000 << 3 wraps to 1.
-    const std::uint8_t wrap[] = {0x04, 0, 0, 0, 0};   // 4, 32, 256, 2048, 16384
-    EXPECT_EQ(computeStateFileTrailer(wrap).rolling, 16384);
-    const std::uint8_t wrap2[] = {0x04, 0, 0, 0, 0, 0};
-    EXPECT_EQ(computeStateFileTrailer(wrap2).rolling, 2);
-    const std::uint8_t ab[] = {7, 200}, ba[] = {200, 7};
-    EXPECT_EQ(computeStateFileTrailer(ab).sum, computeStateFileTrailer(ba).sum);
-    EXPECT_NE(computeStateFileTrailer(ab).rolling, computeStateFileTrailer(ba).rolling);
-}
-
-TEST(StateFileTrailer, AgreesWithTheFixtureOnLongPayloads) {
+    struct Case {
+        Bytes payload;
+        StateFileTrailer trailer;
+    };
+    const Case cases[] = {
+        {{}, {0, 0}},
+        {{1, 2, 3}, {6, 83}},               // 1; (1 << 3) + 2 = 10; (10 << 3) + 3 = 83
+        {{4, 0, 0, 0, 0}, {4, 16384}},      // 4, 32, 256, 2048, 16384
+        {{4, 0, 0, 0, 0, 0}, {4, 2}},       // the top three bits rotate round
+    };
+    for (const Case& c : cases) EXPECT_EQ(computeStateFileTrailer(c.payload), c.trailer) << c.payload.size();
+    // A long payload: both values wrap at 16 bits, as the fixture computes them.
     std::mt19937 rng(11);
     Bytes data(20000 + 4);
     for (auto& b : data) b = std::uint8_t(rng());
     writeStateTrailer(data);
-    StateFileTrailer t = computeStateFileTrailer(std::span(data).first(data.size() - 4));
-    EXPECT_EQ(t.sum, u16At(data, data.size() - 4));
-    EXPECT_EQ(t.rolling, u16At(data, data.size() - 2));
+    EXPECT_EQ(computeStateFileTrailer(std::span(data).first(data.size() - 4)),
+              (StateFileTrailer{u16At(data, data.size() - 4), u16At(data, data.size() - 2)}));
 }
 
 class StateFile : public ::testing::Test {
 protected:
-    void write(const Bytes& data) {
-        std::ofstream out(path, std::ios::binary | std::ios::trunc);
-        out.write(reinterpret_cast<const char*>(data.data()), std::streamsize(data.size()));
-    }
+    void write(const Bytes& data) { writeFileBytes(path, data); }
     TempFolder folder{"state"};
     fs::path path = folder.path() / "F1GSTATE.SAV";
 };
@@ -63,11 +55,9 @@ TEST_F(StateFile, PresentAbsentWrongTrailerReadOnly) {
     fs::permissions(path, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write, fs::perm_options::remove);
     EXPECT_TRUE(CheckStateFile(folder.path()));
     EXPECT_NE(fs::status(path).permissions() & fs::perms::owner_write, fs::perms::none) << "made writable by the test";
-}
-
-TEST_F(StateFile, LowerCaseName) {
-    std::ofstream(folder.path() / "f1gstate.sav", std::ios::binary).write("\0\0\0\0", 4);
-    EXPECT_TRUE(CheckStateFile(folder.path()));
+    fs::remove(path);
+    writeFileBytes(folder.path() / "f1gstate.sav", Bytes(4, 0));
+    EXPECT_TRUE(CheckStateFile(folder.path())) << "lower-case name";
 }
 
 TEST_F(StateFile, ChecksumUpdateRepairsTheTrailer) {

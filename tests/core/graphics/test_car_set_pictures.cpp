@@ -126,8 +126,8 @@ TEST(CarSetPictures, HelmetSheetFromAndIntoTheGame) {
     BitmapBuffer original = BuildDefaultHelmetSheet();
     BitmapBuffer a = blankSingleHelmet(), b = blankSingleHelmet();
     for (int n = 0; n < 28; ++n) {
-        ExtractHelmet(sheet, n, a);
-        ExtractHelmet(original, n, b);
+        ASSERT_TRUE(ExtractHelmet(sheet, n, a));
+        ASSERT_TRUE(ExtractHelmet(original, n, b));
         EXPECT_EQ(a.data, b.data) << n;
     }
     ScratchFolder empty;

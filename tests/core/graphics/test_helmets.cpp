@@ -18,70 +18,63 @@ BitmapBuffer numberedSheet() {
 // Top-left corner of helmet n counted from the top of the picture.
 std::pair<int, int> topLeft(int n) { return {74 * (n / 12), 15 * (n % 12)}; }
 
-TEST(HelmetSheet, LayoutIsThreeColumnsOfTwelve) {
-    EXPECT_EQ(helmetLeft(0), 0);
-    EXPECT_EQ(helmetBottomRow(0), 165);
-    EXPECT_EQ(helmetLeft(11), 0);
-    EXPECT_EQ(helmetBottomRow(11), 0);
-    EXPECT_EQ(helmetLeft(12), 74);
-    EXPECT_EQ(helmetLeft(27), 148);
-    EXPECT_EQ(helmetBottomRow(27), 15 * 8);
-}
-
-TEST(HelmetSheet, ExtractAndStoreCopyTheRectangle) {
-    BitmapBuffer sheet = numberedSheet();
-    BitmapBuffer single = blankSingleHelmet();
-    ExtractHelmet(sheet, 13, single);
-    auto [left, top] = topLeft(13);
-    for (int y = 0; y < 15; ++y)
-        for (int x = 0; x < 74; ++x) ASSERT_EQ(pixelAt(single, x, y), pixelAt(sheet, left + x, top + y));
-    BitmapBuffer other = blankHelmetSheet();
-    StoreHelmet(other, 26, single);
-    auto [l2, t2] = topLeft(26);
-    EXPECT_EQ(pixelAt(other, l2, t2), pixelAt(sheet, left, top));
-    EXPECT_EQ(pixelAt(other, l2 + 73, t2 + 14), pixelAt(sheet, left + 73, top + 14));
-    EXPECT_EQ(pixelAt(other, l2 - 1, t2), 0);
-    // Out-of-range numbers and wrong buffers are ignored.
-    BitmapBuffer before = other;
-    StoreHelmet(other, 28, single);
-    StoreHelmet(other, -1, single);
-    BitmapBuffer wrongSingle(74, 16);
-    StoreHelmet(other, 0, wrongSingle);
-    EXPECT_EQ(other.data, before.data);
-}
-
-TEST(HelmetSheet, RemovingOneHelmetLeavesNeighboursUntouched) {
-    BitmapBuffer sheet = numberedSheet();
-    BitmapBuffer original = sheet;
-    BitmapBuffer empty = blankSingleHelmet();
-    StoreHelmet(sheet, 16, empty);
-    auto [left, top] = topLeft(16);
-    int cleared = 0, changedOutside = 0;
+// Only helmet n's rectangle of `after` differs from `before`, and it holds `single`.
+void expectOnlyHelmetChanged(const BitmapBuffer& before, const BitmapBuffer& after, int n, const BitmapBuffer& single) {
+    auto [left, top] = topLeft(n);
+    int wrong = 0;
     for (int y = 0; y < 180; ++y)
         for (int x = 0; x < 256; ++x) {
             bool inside = x >= left && x < left + 74 && y >= top && y < top + 15;
-            if (inside) cleared += pixelAt(sheet, x, y) == 0;
-            else changedOutside += pixelAt(sheet, x, y) != pixelAt(original, x, y);
+            wrong += pixelAt(after, x, y) != (inside ? pixelAt(single, x - left, y - top) : pixelAt(before, x, y));
         }
-    EXPECT_EQ(cleared, 74 * 15);
-    EXPECT_EQ(changedOutside, 0);
+    EXPECT_EQ(wrong, 0) << "helmet " << n;
+}
+
+TEST(HelmetSheet, ExtractAndStoreCopyOneRectangleOfThreeColumnsOfTwelve) {
+    const BitmapBuffer sheet = numberedSheet();
+    for (int n : {0, 11, 13, 26, 27}) {
+        BitmapBuffer single = blankSingleHelmet();
+        ASSERT_TRUE(ExtractHelmet(sheet, n, single));
+        BitmapBuffer other = numberedSheet();
+        ASSERT_TRUE(StoreHelmet(other, (n + 3) % 28, single));
+        expectOnlyHelmetChanged(sheet, other, (n + 3) % 28, single);
+        // An empty helmet clears its rectangle and nothing else.
+        ASSERT_TRUE(StoreHelmet(other, (n + 3) % 28, blankSingleHelmet()));
+        expectOnlyHelmetChanged(sheet, other, (n + 3) % 28, blankSingleHelmet());
+    }
+}
+
+TEST(HelmetSheet, BadNumbersAndSizesFailAndChangeNothing) {
+    const BitmapBuffer sheet = numberedSheet();
+    BitmapBuffer other = sheet, single = blankSingleHelmet();
+    const BitmapBuffer wrongSingle(74, 16), wrongSheet(256, 179);
+    for (auto status : {StoreHelmet(other, 28, single), StoreHelmet(other, -1, single), StoreHelmet(other, 0, wrongSingle)}) {
+        ASSERT_FALSE(status);
+        EXPECT_EQ(status.error().id, MessageId::ImportFailed);
+    }
+    EXPECT_EQ(other.data, sheet.data);
+    BitmapBuffer wrong = wrongSingle;
+    for (auto status : {ExtractHelmet(sheet, 28, single), ExtractHelmet(sheet, -1, single), ExtractHelmet(sheet, 0, wrong),
+                        ExtractHelmet(wrongSheet, 0, single)}) {
+        ASSERT_FALSE(status);
+        EXPECT_EQ(status.error().id, MessageId::ExportFailed);
+    }
+    EXPECT_EQ(single.data, blankSingleHelmet().data);
 }
 
 TEST(HelmetSheet, SwapExchangesRectanglesAndSelfSwapDoesNothing) {
     BitmapBuffer sheet = numberedSheet();
-    BitmapBuffer original = sheet;
+    const BitmapBuffer original = sheet;
     SwapHelmets(sheet, 5, 5);
     EXPECT_EQ(sheet.data, original.data);
     SwapHelmets(sheet, 0, 27);
-    auto [l0, t0] = topLeft(0);
-    auto [l27, t27] = topLeft(27);
-    for (int y = 0; y < 15; ++y)
-        for (int x = 0; x < 74; ++x) {
-            ASSERT_EQ(pixelAt(sheet, l0 + x, t0 + y), pixelAt(original, l27 + x, t27 + y));
-            ASSERT_EQ(pixelAt(sheet, l27 + x, t27 + y), pixelAt(original, l0 + x, t0 + y));
-        }
-    SwapHelmets(sheet, 27, 0);
-    EXPECT_EQ(sheet.data, original.data);
+    BitmapBuffer first = blankSingleHelmet(), last = blankSingleHelmet();
+    ASSERT_TRUE(ExtractHelmet(original, 0, first));
+    ASSERT_TRUE(ExtractHelmet(original, 27, last));
+    BitmapBuffer expected = original;
+    ASSERT_TRUE(StoreHelmet(expected, 0, last));
+    ASSERT_TRUE(StoreHelmet(expected, 27, first));
+    EXPECT_EQ(sheet.data, expected.data);
 }
 
 TEST(HelmetSheet, BuiltinHelmetUsesTheRecolouredIndexes) {
@@ -114,7 +107,7 @@ TEST(HelmetSheet, DefaultSheetColouringsAndFirstByteQuirk) {
     for (int n : {1, 4, 7, 10, 14, 17, 20, 23, 24, 27}) colouringOf[n] = 2;
     BitmapBuffer single = blankSingleHelmet();
     for (int n = 0; n < 28; ++n) {
-        ExtractHelmet(sheet, n, single);
+        ASSERT_TRUE(ExtractHelmet(sheet, n, single));
         int wrong = 0;
         for (int r = 0; r < 15; ++r)
             for (int x = 0; x < 74; ++x) {

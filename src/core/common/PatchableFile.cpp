@@ -1,4 +1,4 @@
-#include "common/FileTail.h"
+#include "common/PatchableFile.h"
 
 #include <algorithm>
 #include <array>
@@ -7,43 +7,64 @@
 namespace tarvel {
 namespace fs = std::filesystem;
 
-bool PatchableFile::open(const fs::path& path) {
-    close();
+bool PatchableFile::open(const fs::path& path, Mode mode) {
+    (void)close();   // whatever was open before is given up
+    std::error_code ec;
+    auto length = fs::file_size(path, ec);
+    if (ec) return false;
     path_ = path;
-    stream_.open(path, std::ios::binary | std::ios::in | std::ios::out);
+    mode_ = mode;
+    size_ = length;
+    failed_ = false;
+    return reopen();
+}
+
+bool PatchableFile::reopen() {
+    auto flags = std::ios::binary | std::ios::in;
+    if (mode_ == Update) flags |= std::ios::out;
+    stream_.open(path_, flags);
     return stream_.is_open();
 }
 
-void PatchableFile::close() {
-    if (stream_.is_open()) stream_.close();
-    stream_.clear();
-}
-
-std::uint64_t PatchableFile::size() {
-    std::error_code ec;
-    if (!flush()) return 0;
-    auto n = fs::file_size(path_, ec);
-    return ec ? 0 : n;
-}
-
-bool PatchableFile::read(std::uint64_t offset, void* out, std::size_t n) {
-    if (!stream_.is_open()) return false;
+bool PatchableFile::read(std::uint64_t offset, std::span<std::uint8_t> out) {
+    if (!stream_.is_open() || !fits(offset, out.size())) return false;
     stream_.clear();
     stream_.seekg(std::streamoff(offset));
     if (!stream_) return false;
-    stream_.read(static_cast<char*>(out), std::streamsize(n));
-    bool ok = std::size_t(stream_.gcount()) == n;
+    stream_.read(reinterpret_cast<char*>(out.data()), std::streamsize(out.size()));
+    bool ok = bool(stream_) && std::size_t(stream_.gcount()) == out.size();
     stream_.clear();
     return ok;
 }
 
-bool PatchableFile::write(std::uint64_t offset, const void* data, std::size_t n) {
-    if (!stream_.is_open()) return false;
+bool PatchableFile::write(std::uint64_t offset, std::span<const std::uint8_t> data) {
+    if (!stream_.is_open() || mode_ != Update || !fits(offset, data.size())) return false;
     stream_.clear();
     stream_.seekp(std::streamoff(offset));
     if (!stream_) return false;
-    stream_.write(static_cast<const char*>(data), std::streamsize(n));
-    return bool(stream_);
+    stream_.write(reinterpret_cast<const char*>(data.data()), std::streamsize(data.size()));
+    if (!stream_) {
+        failed_ = true;
+        return false;
+    }
+    return true;
+}
+
+bool PatchableFile::readU8(std::uint64_t offset, std::uint8_t& value) { return read(offset, {&value, 1}); }
+
+bool PatchableFile::readU16(std::uint64_t offset, std::uint16_t& value) {
+    std::uint8_t b[2];
+    if (!read(offset, b)) return false;
+    value = loadU16(b);
+    return true;
+}
+
+bool PatchableFile::writeU8(std::uint64_t offset, std::uint8_t value) { return write(offset, {&value, 1}); }
+
+bool PatchableFile::writeU16(std::uint64_t offset, std::uint16_t value) {
+    std::uint8_t b[2];
+    storeU16(b, value);
+    return write(offset, b);
 }
 
 bool PatchableFile::flush() {
@@ -53,14 +74,28 @@ bool PatchableFile::flush() {
 }
 
 bool PatchableFile::resize(std::uint64_t newSize) {
-    if (!flush()) return false;
+    if (mode_ != Update || !flush()) return false;
     std::error_code ec;
     fs::resize_file(path_, newSize, ec);
     // The stream's buffer may hold a stale view of the old end.
     stream_.close();
     stream_.clear();
-    stream_.open(path_, std::ios::binary | std::ios::in | std::ios::out);
-    return !ec && stream_.is_open();
+    if (ec || !reopen()) return false;
+    size_ = newSize;
+    return true;
+}
+
+bool PatchableFile::close() {
+    if (!stream_.is_open()) {
+        stream_.clear();
+        return false;
+    }
+    stream_.flush();
+    bool ok = bool(stream_) && !failed_;
+    stream_.close();
+    ok = ok && !stream_.fail();
+    stream_.clear();
+    return ok;
 }
 
 bool moveFileTail(PatchableFile& file, std::uint64_t tailStart, std::int64_t delta) {
@@ -77,8 +112,8 @@ bool moveFileTail(PatchableFile& file, std::uint64_t tailStart, std::int64_t del
         std::uint64_t pos = tailStart;
         std::uint64_t length = std::min<std::uint64_t>(first, tail);
         while (pos < size) {
-            if (!file.read(pos, piece.data(), std::size_t(length))) return false;
-            if (!file.write(pos - std::uint64_t(-delta), piece.data(), std::size_t(length))) return false;
+            std::span<std::uint8_t> part(piece.data(), std::size_t(length));
+            if (!file.read(pos, part) || !file.write(pos - std::uint64_t(-delta), part)) return false;
             pos += length;
             length = kFilePieceSize;
         }
@@ -90,8 +125,8 @@ bool moveFileTail(PatchableFile& file, std::uint64_t tailStart, std::int64_t del
     std::uint64_t length = first;
     std::uint64_t pos = size - length;
     for (;;) {
-        if (!file.read(pos, piece.data(), std::size_t(length))) return false;
-        if (!file.write(pos + std::uint64_t(delta), piece.data(), std::size_t(length))) return false;
+        std::span<std::uint8_t> part(piece.data(), std::size_t(length));
+        if (!file.read(pos, part) || !file.write(pos + std::uint64_t(delta), part)) return false;
         if (pos == tailStart) break;
         length = kFilePieceSize;
         pos -= length;
@@ -102,7 +137,7 @@ bool moveFileTail(PatchableFile& file, std::uint64_t tailStart, std::int64_t del
 bool writeInPieces(PatchableFile& file, std::uint64_t offset, std::span<const std::uint8_t> data) {
     for (std::size_t done = 0; done < data.size(); done += kFilePieceSize) {
         std::size_t length = std::min(kFilePieceSize, data.size() - done);
-        if (!file.write(offset + done, data.data() + done, length)) return false;
+        if (!file.write(offset + done, data.subspan(done, length))) return false;
     }
     return file.flush();
 }
