@@ -1,7 +1,12 @@
 #include "common/FileIO.h"
 
+#include "common/Platform.h"
+
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
+#include <string>
+#include <vector>
 #include <fstream>
 #include <system_error>
 
@@ -20,22 +25,41 @@ std::optional<Bytes> readWholeFile(const fs::path& path) {
     return data;
 }
 
-bool writeFileAtomically(const fs::path& path, std::span<const std::uint8_t> data) {
-    fs::path temporary = path;
-    temporary += ".tarvel-tmp";
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        if (!out) return false;
-        if (!data.empty()) out.write(reinterpret_cast<const char*>(data.data()), std::streamsize(data.size()));
-        out.flush();
-        if (!out) {
-            out.close();
-            std::error_code ec;
-            fs::remove(temporary, ec);
-            return false;
-        }
-    }
+namespace {
+
+constexpr std::string_view kTemporaryMark = ".tarvel-tmp-";
+
+// Temporary files of earlier writes of `path` whose process has gone (killed
+// in the middle of a write): "NAME.tarvel-tmp-PID-N" beside the target.
+void removeStaleTemporaries(const fs::path& path) {
+    const std::string prefix = path.filename().string() + std::string(kTemporaryMark);
     std::error_code ec;
+    fs::path folder = path.parent_path();
+    if (folder.empty()) folder = ".";
+    std::vector<fs::path> stale;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder, ec)) {
+        const std::string name = entry.path().filename().string();
+        if (name.size() <= prefix.size() || name.compare(0, prefix.size(), prefix) != 0) continue;
+        const long pid = std::strtol(name.c_str() + prefix.size(), nullptr, 10);
+        if (!processMayBeAlive(pid)) stale.push_back(entry.path());
+    }
+    for (const fs::path& file : stale) fs::remove(file, ec);
+}
+
+}  // namespace
+
+bool writeFileAtomically(const fs::path& path, std::span<const std::uint8_t> data) {
+    removeStaleTemporaries(path);
+    // A name of this process's own, created exclusively, beside the target.
+    const std::string base =
+        path.filename().string() + std::string(kTemporaryMark) + std::to_string(currentProcessId()) + "-";
+    fs::path temporary;
+    std::error_code ec;
+    for (int attempt = 0;; ++attempt) {
+        temporary = path.parent_path() / (base + std::to_string(attempt));
+        if (createFileDurably(temporary, data)) break;
+        if (attempt >= 100 || !fs::exists(temporary, ec)) return false;
+    }
     // Where a read-only target blocks the rename, the rename reports it.
     if (fs::exists(path, ec)) (void)clearReadOnly(path);
     fs::rename(temporary, path, ec);
@@ -43,6 +67,9 @@ bool writeFileAtomically(const fs::path& path, std::span<const std::uint8_t> dat
         fs::remove(temporary, ec);
         return false;
     }
+    // The data is on the disk already; the folder sync makes the new name
+    // survive a power cut as well, where the file system allows it.
+    (void)syncFolderToDisk(path.parent_path().empty() ? fs::path(".") : path.parent_path());
     return true;
 }
 

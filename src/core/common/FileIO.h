@@ -12,8 +12,11 @@ namespace tarvel {
 
 // The whole file, or std::nullopt when it cannot be opened or read.
 std::optional<Bytes> readWholeFile(const std::filesystem::path& path);
-// Writes through a temporary file beside the target and renames it over the
-// target; on failure the target is left as it was and nothing is left behind.
+// Writes through a temporary file beside the target ("NAME.tarvel-tmp-PID-N",
+// created exclusively and flushed to the disk) and renames it over the target:
+// whenever the process stops, the target is the old file or the new one. On
+// failure the target is left as it was and nothing is left behind; temporary
+// files that a killed process left are removed by the next write of the target.
 bool writeFileAtomically(const std::filesystem::path& path, std::span<const std::uint8_t> data);
 
 // Makes a file writable (the read-only attribute cleared); true when it exists
