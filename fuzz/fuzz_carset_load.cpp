@@ -12,10 +12,19 @@
 
 namespace {
 
-const std::filesystem::path& inputPath() {
-    static const std::filesystem::path path =
+// The file each input is written to, removed when the fuzzer exits.
+struct InputFile {
+    std::filesystem::path path =
         std::filesystem::temp_directory_path() / ("tarvel-fuzz-carset-" + std::to_string(::getpid()) + ".gp2");
-    return path;
+    ~InputFile() {
+        std::error_code ignored;
+        std::filesystem::remove(path, ignored);
+    }
+};
+
+const std::filesystem::path& inputPath() {
+    static const InputFile file;
+    return file.path;
 }
 
 }  // namespace

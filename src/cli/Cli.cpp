@@ -90,6 +90,7 @@ int usageError(Context& context) {
 
 int failed(Context& context, const Message& message) {
     context.err << messageText(message) << "\n";
+    if (!message.detail.empty()) context.err << message.detail << "\n";
     return kExitFailed;
 }
 

@@ -35,6 +35,7 @@ public:
     std::deque<QString> files;
     std::vector<MessageId> ids;          // every table message shown
     std::vector<std::string> texts;      // every text shown (UTF-8)
+    std::vector<std::string> details;    // the detail under each table message
     std::vector<QString> fileTitles;     // titles of the file dialogs
     int configureCalls = 0;
     std::function<bool(MainWindow&)> onConfigure;
@@ -43,6 +44,7 @@ public:
     Answer message(QWidget*, const Message& m, Buttons buttons) override {
         ids.push_back(m.id);
         texts.push_back(windows1252ToUtf8(messageText(m)));
+        details.push_back(m.detail);
         return next(buttons);
     }
     Answer text(QWidget*, MessageKind, const QString& body, Buttons buttons) override {

@@ -84,13 +84,20 @@ TEST_F(AppTest, RoundTripThroughTheGame) {
     EXPECT_EQ(w.document().set().liveries[0][64 * kLiveryWidth + 40], livery[64 * kLiveryWidth + 40]);
 }
 
-TEST_F(AppTest, ImportWithAMissingGameFileNamesIt) {
+TEST_F(AppTest, AFailedImportNamesWhatFailed) {
     const std::string game = configureGame();
     window().startUp({});
-    std::filesystem::remove(*findGameFile(game, "GP2.EXE"));
+    // A damaged JAM file: the exact message, and under it the item and the file.
+    const std::filesystem::path jam = *findGameFile(game, transferItemInfo(158).gameFile);
+    writeFileBytes(jam, Bytes(40, 0xAB));
     window().runCommand(command::ImportFromGame);
     ASSERT_FALSE(asker.ids.empty());
-    EXPECT_EQ(asker.ids.back(), MessageId::FileNotFound);
+    EXPECT_EQ(asker.ids.back(), MessageId::FailedToConvertJam);
+    EXPECT_EQ(asker.details.back(), "Item 158 (JAM Files), game file " +
+                                        jam.lexically_relative(game).generic_string() + ".");
+    // No game at all.
+    std::filesystem::remove(*findGameFile(game, "GP2.EXE"));
+    window().runCommand(command::ImportFromGame);
     EXPECT_EQ(asker.lastText(), "File Not Found - GP2.EXE.");
 }
 

@@ -38,14 +38,20 @@ Answer toAnswer(int button) {
 }  // namespace
 
 Answer QtAsker::message(QWidget* parent, const Message& m, Buttons buttons) {
-    return text(parent, messageKind(m.id), QString::fromStdString(windows1252ToUtf8(messageText(m))), buttons);
+    return show(parent, messageKind(m.id), QString::fromStdString(windows1252ToUtf8(messageText(m))),
+                QString::fromStdString(m.detail), buttons);
 }
 
 Answer QtAsker::text(QWidget* parent, MessageKind kind, const QString& body, Buttons buttons) {
+    return show(parent, kind, body, QString(), buttons);
+}
+
+Answer QtAsker::show(QWidget* parent, MessageKind kind, const QString& body, const QString& detail, Buttons buttons) {
     QString shown = body;
     shown.replace("\r\n", "\n");
     QMessageBox box(parent);
     box.setText(shown);
+    box.setInformativeText(detail);
     box.setStandardButtons(standardButtons(buttons));
     switch (kind) {
         case MessageKind::Error:

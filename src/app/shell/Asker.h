@@ -44,6 +44,9 @@ public:
                      const QString& defaultSuffix) override;
     bool configure(MainWindow& window) override;
     void showInformation(QWidget* parent, const QString& text) override;
+
+private:
+    Answer show(QWidget* parent, MessageKind kind, const QString& body, const QString& detail, Buttons buttons);
 };
 
 }  // namespace tarvel

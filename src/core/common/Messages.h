@@ -98,7 +98,10 @@ enum class MessageKind { Error, Information, Question };
 
 struct Message {
     MessageId id = MessageId::None;
-    std::string arg;     // fills %s, or the number for %.2f, when the text has one
+    std::string arg{};   // fills %s, or the number for %.2f, when the text has one
+    // Which file and why, in plain words (UTF-8): shown under the exact text,
+    // as a second line on the command line and the informative text in a window.
+    std::string detail{};
 };
 
 // The text with no argument filled in.

@@ -217,6 +217,13 @@ struct RunOutcome {
     std::optional<Message> error;
 };
 
+std::string itemDetail(int item, const GameContext& context) {
+    const TransferItemInfo info = transferItemInfo(item);
+    const auto found = findGameFile(context.gameFolder, info.gameFile);
+    const std::string file = found ? found->lexically_relative(context.gameFolder).generic_string() : info.gameFile;
+    return "Item " + std::to_string(item) + " (" + std::string(info.label) + "), game file " + file + ".";
+}
+
 template <class Set, class Run>
 RunOutcome runItems(Set& set, const TransferSelection& items, const GameContext& context, Progress& progress,
                     bool useStateFile, Run run) {
@@ -234,6 +241,8 @@ RunOutcome runItems(Set& set, const TransferSelection& items, const GameContext&
         Status status = run(range, set, call);
         if (!status) {
             outcome.error = status.error();
+            // The exact message stays; the detail says which item and game file failed.
+            if (outcome.error->detail.empty()) outcome.error->detail = itemDetail(item, context);
             break;
         }
     }

@@ -1,15 +1,37 @@
-// A car set save killed at any moment leaves the old file or the new one, and
-// no temporary file once the next save has run.
+// What keeps a user's files safe: a car set save killed at any moment leaves
+// the old file or the new one (and no temporary file once the next save has
+// run), and a transfer that fails names the item and the game file.
 
 #include "CliTestSupport.h"
 
 #include "carset/CarSetFile.h"
+#include "common/FileIO.h"
+#include "game/GameTransfer.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <filesystem>
 #include <thread>
+
+namespace tarvel::cli {
+namespace {
+namespace fs = std::filesystem;
+
+TEST_F(CliFixture, AFailingItemKeepsItsMessageAndNamesTheItemAndTheGameFile) {
+    const std::string game = test::makeTestGame(folder.path() / "game");
+    const std::string in = newSet();
+    const fs::path damaged = *findGameFile(game, transferItemInfo(158).gameFile);
+    test::writeFileBytes(damaged, Bytes(40, 0xAB));
+    const std::string relative = damaged.lexically_relative(game).generic_string();
+    auto imported = cli({"game", "import", game, in, "-o", at("out.gp2")});
+    EXPECT_EQ(imported.status, kExitFailed);
+    EXPECT_EQ(imported.err, "Failed to Convert JAM File.\nItem 158 (JAM Files), game file " + relative + ".\n");
+    EXPECT_FALSE(fs::exists(at("out.gp2")));
+}
+
+}  // namespace
+}  // namespace tarvel::cli
 
 #if !defined(_WIN32)
 #include <csignal>
