@@ -64,24 +64,36 @@ void BM_CopyTouchedFiles(benchmark::State& state) {
 }
 BENCHMARK(BM_CopyTouchedFiles)->Unit(benchmark::kMillisecond);
 
-void BM_ExportAllItems(benchmark::State& state) {
+// A set that holds a picture for every slot: the game's own, imported once.
+bool importEverything(benchmark::State& state, CarSet& set, const TransferSelection& items) {
+    Progress progress;
+    bool changed = false;
+    Status imported = ImportFromGame(set, items, installation().context, progress, changed);
+    if (!imported) state.SkipWithError(messageText(imported.error()).c_str());
+    return imported.has_value();
+}
+
+// The whole export; with `backup`, the files it writes are backed up first
+// (the newest ten backups kept, so older ones are removed as it runs).
+void exportAllItems(benchmark::State& state, bool backup) {
     Installation& game = installation();
-    // A set that holds a picture for every slot: the game's own, imported once.
     CarSet set;
     TransferSelection items;
     selectAvailableTransferItems(items);
+    if (!importEverything(state, set, items)) return;
+    GameContext context = game.context;
+    if (backup) context.backupsRoot = game.folder.path() / "backups";
     Progress progress;
-    bool changed = false;
-    if (Status imported = ImportFromGame(set, items, game.context, progress, changed); !imported) {
-        state.SkipWithError(messageText(imported.error()).c_str());
-        return;
-    }
     for (auto _ : state) {
-        Status done = ExportToGame(set, items, game.context, progress);
+        Status done = ExportToGame(set, items, context, progress);
         if (!done) state.SkipWithError(messageText(done.error()).c_str());
     }
+    state.counters["files"] = double(exportTargetFiles(set, items, context).size());
 }
+void BM_ExportAllItems(benchmark::State& state) { exportAllItems(state, false); }
+void BM_ExportAllItemsWithBackup(benchmark::State& state) { exportAllItems(state, true); }
 BENCHMARK(BM_ExportAllItems)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ExportAllItemsWithBackup)->Unit(benchmark::kMillisecond);
 
 void BM_ImportAllItems(benchmark::State& state) {
     Installation& game = installation();
