@@ -105,18 +105,6 @@ TEST_F(GameCommandsTest, ExportAbortedFromTheProgressWindow) {
     EXPECT_EQ(asker.ids.front(), MessageId::ExportAborted);
 }
 
-TEST_F(GameCommandsTest, ImportRefusedForAMissingGameFileLeavesTheSetUnchanged) {
-    const CarSet& set = this->set();
-    const std::string nameBefore = fieldText(set.teams[0].name);
-    ASSERT_FALSE(window().document().isDirty());
-    std::filesystem::remove(gameFileOfItem(0));
-    window().runCommand(command::ImportFromGame);
-    ASSERT_FALSE(asker.texts.empty());
-    EXPECT_EQ(asker.lastText(), "File Not Found - GP2.EXE.");
-    EXPECT_FALSE(window().document().isDirty());
-    EXPECT_EQ(fieldText(set.teams[0].name), nameBefore);
-}
-
 TEST_F(GameCommandsTest, GameCommandsAreOffWhileTheReleaseIsUnknown) {
     session.gameVersion = -1;
     window().updateCommandStates();

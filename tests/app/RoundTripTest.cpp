@@ -87,6 +87,15 @@ TEST_F(AppTest, RoundTripThroughTheGame) {
 TEST_F(AppTest, AFailedImportNamesWhatFailed) {
     const std::string game = configureGame();
     window().startUp({});
+    // No game at all: nothing is read and the set stays clean.
+    const std::filesystem::path exe = *findGameFile(game, "GP2.EXE");
+    const Bytes exeBytes = readFileBytes(exe);
+    std::filesystem::remove(exe);
+    window().runCommand(command::ImportFromGame);
+    EXPECT_EQ(asker.lastText(), "File Not Found - GP2.EXE.");
+    EXPECT_FALSE(window().document().isDirty());
+    EXPECT_EQ(fieldText(set().team(0).name), "Team Name");
+    writeFileBytes(exe, exeBytes);
     // A damaged JAM file: the exact message, and under it the item and the file.
     const std::filesystem::path jam = *findGameFile(game, transferItemInfo(158).gameFile);
     writeFileBytes(jam, Bytes(40, 0xAB));
@@ -95,10 +104,6 @@ TEST_F(AppTest, AFailedImportNamesWhatFailed) {
     EXPECT_EQ(asker.ids.back(), MessageId::FailedToConvertJam);
     EXPECT_EQ(asker.details.back(), "Item 158 (JAM Files), game file " +
                                         jam.lexically_relative(game).generic_string() + ".");
-    // No game at all.
-    std::filesystem::remove(*findGameFile(game, "GP2.EXE"));
-    window().runCommand(command::ImportFromGame);
-    EXPECT_EQ(asker.lastText(), "File Not Found - GP2.EXE.");
 }
 
 }  // namespace

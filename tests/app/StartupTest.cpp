@@ -27,83 +27,70 @@ std::string readText(const std::filesystem::path& path) {
     return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
-TEST_F(AppTest, StartWithoutConfigurationFileOffersTheDialogAndKeepsGameCommandsOff) {
-    session.readConfiguration();
-    EXPECT_FALSE(session.configFileExisted);
-    window().startUp({});
-    EXPECT_EQ(asker.configureCalls, 1);
-    EXPECT_FALSE(gameCommandsEnabled(window()));
-    EXPECT_EQ(window().windowTitle().toStdString(), "Tarvel-32 v1.86 - [ ..... ]");
-}
-
-TEST_F(AppTest, StartWithKnownGameOffersNoDialogAndEnablesGameCommands) {
-    configureGame(3);
-    window().startUp({});
-    EXPECT_EQ(asker.configureCalls, 0);
-    EXPECT_EQ(session.gameVersion, 3);
-    EXPECT_TRUE(gameCommandsEnabled(window()));
-}
-
-TEST_F(AppTest, UnsupportedReleaseAtStartKeepsFolderAndOffersTheDialog) {
+// Start-up offers the configuration unless the configured game's release is known.
+TEST_F(AppTest, StartUpOffersTheConfigurationUnlessTheGameIsKnown) {
     std::filesystem::create_directories(folder() / "old");
     std::ofstream(folder() / "old" / "GP2.EXE") << "not the game";
-    writeConfig("[Files]\nLocate GP2.EXE=" + (folder() / "old").string() + "/\n");
-    window().startUp({});
-    EXPECT_EQ(session.gameVersion, -1);
-    EXPECT_EQ(asker.configureCalls, 1);
-    EXPECT_FALSE(gameCommandsEnabled(window()));
-    EXPECT_FALSE(session.config.gameFolder.empty());
-}
-
-TEST_F(AppTest, ConfigurationDialogAcceptsGp2ExeInAnyCaseAndDetectsTheRelease) {
-    const std::string game = makeTestGame(folder() / "lower", GameFixtureOptions{2, true});
-    session.readConfiguration();
-    asker.onConfigure = [&](MainWindow& w) {
-        ConfigDialog dialog(w.session(), asker, &w);
-        dialog.exeField()->setText(QString::fromStdString(game + "gp2.exe"));
-        dialog.accept();
-        return dialog.result() == QDialog::Accepted;
+    struct Case {
+        const char* what;
+        std::function<void()> configure;
+        int version;
     };
-    window().startUp({});
-    EXPECT_EQ(session.gameVersion, 2);
-    EXPECT_EQ(session.config.gameFolder, game);
-    EXPECT_TRUE(gameCommandsEnabled(window()));
-    EXPECT_TRUE(asker.ids.empty());
-    // The folder was written to the configuration file.
-    EXPECT_NE(readText(session.configPath).find("Locate GP2.EXE=" + game), std::string::npos);
-}
-
-TEST_F(AppTest, ConfigurationDialogRefusesOtherNamesAndMissingFiles) {
-    configureGame();
-    std::ofstream(folder() / "GAME.EXE") << "x";
-    ConfigDialog dialog(session, asker);
-    for (const std::string& typed : {(folder() / "GAME.EXE").string(), (folder() / "nothere" / "GP2.EXE").string()}) {
-        asker.ids.clear();
-        dialog.exeField()->setText(QString::fromStdString(typed));
-        dialog.accept();
-        EXPECT_NE(dialog.result(), QDialog::Accepted) << typed;
-        ASSERT_EQ(asker.ids.size(), 1u);
-        EXPECT_EQ(asker.ids[0], MessageId::LocateGp2Exe);
-        EXPECT_EQ(dialog.exeField()->selectedText(), dialog.exeField()->text());
+    const Case cases[] = {
+        {"no configuration file", [&] { session.readConfiguration(); }, -1},
+        {"a known game", [&] { configureGame(3); }, 3},
+        {"an unknown release", [&] { writeConfig("[Files]\nLocate GP2.EXE=" + (folder() / "old").string() + "/\n"); },
+         -1},
+    };
+    for (const Case& c : cases) {
+        c.configure();
+        asker.configureCalls = 0;
+        MainWindow w(session, asker);
+        w.startUp({});
+        EXPECT_EQ(session.gameVersion, c.version) << c.what;
+        EXPECT_EQ(asker.configureCalls, c.version < 0 ? 1 : 0) << c.what;
+        EXPECT_EQ(gameCommandsEnabled(w), c.version >= 0) << c.what;
+        EXPECT_EQ(w.windowTitle().toStdString(), "Tarvel-32 v1.86 - [ ..... ]");
     }
+    EXPECT_FALSE(session.config.gameFolder.empty());   // an unknown release keeps its folder
 }
 
-TEST_F(AppTest, ConfigurationDialogWithUnsupportedReleaseSaysSoAndDisablesGameCommands) {
-    configureGame();
-    window().startUp({});
-    ASSERT_TRUE(gameCommandsEnabled(window()));
+// The dialog takes GP2.EXE in any case and detects its release; it refuses other
+// names and missing files, and says so when the release is unknown.
+TEST_F(AppTest, ConfigurationDialogChecksTheExecutable) {
+    const std::string game = makeTestGame(folder() / "lower", GameFixtureOptions{2, true});
     std::filesystem::create_directories(folder() / "bad");
     std::ofstream(folder() / "bad" / "GP2.EXE") << "garbage";
-    asker.onConfigure = [&](MainWindow& w) {
-        ConfigDialog dialog(w.session(), asker, &w);
-        dialog.exeField()->setText(QString::fromStdString((folder() / "bad" / "GP2.EXE").string()));
-        dialog.accept();
-        return dialog.result() == QDialog::Accepted;
+    std::ofstream(folder() / "GAME.EXE") << "x";
+    struct Case {
+        std::string typed;
+        bool accepted;
+        MessageId shown;   // None: no message
+        int version;
     };
-    window().runCommand(command::ProgramConfiguration);
-    EXPECT_TRUE(asker.shown(MessageId::UnsupportedVersion));
-    EXPECT_EQ(session.gameVersion, -1);
-    EXPECT_FALSE(gameCommandsEnabled(window()));
+    const Case cases[] = {
+        {game + "gp2.exe", true, MessageId::None, 2},
+        {(folder() / "GAME.EXE").string(), false, MessageId::LocateGp2Exe, 2},
+        {(folder() / "nothere" / "GP2.EXE").string(), false, MessageId::LocateGp2Exe, 2},
+        {(folder() / "bad" / "GP2.EXE").string(), true, MessageId::UnsupportedVersion, -1},
+    };
+    session.readConfiguration();
+    for (const Case& c : cases) {
+        asker.ids.clear();
+        ConfigDialog dialog(session, asker);
+        dialog.exeField()->setText(QString::fromStdString(c.typed));
+        dialog.accept();
+        EXPECT_EQ(dialog.result() == QDialog::Accepted, c.accepted) << c.typed;
+        EXPECT_EQ(asker.ids, c.shown == MessageId::None ? std::vector<MessageId>{} : std::vector<MessageId>{c.shown});
+        EXPECT_EQ(session.gameVersion, c.version) << c.typed;
+        if (!c.accepted) {
+            EXPECT_EQ(dialog.exeField()->selectedText(), dialog.exeField()->text());
+        }
+        if (c.version == 2) {
+            EXPECT_EQ(session.config.gameFolder, game);   // and written to the configuration file
+            EXPECT_NE(readText(session.configPath).find("Locate GP2.EXE=" + game), std::string::npos);
+        }
+    }
 }
 
 TEST_F(AppTest, ConfigurationDialogShowsAndStoresEveryOption) {
