@@ -89,6 +89,7 @@ protected:
     AppTest() : temp_("app") {
         session.configPath = temp_.path() / "tarvel32.ini";
         session.workingFolder = temp_.path() / "work";
+        session.backupsRoot = temp_.path() / "backups";
         std::filesystem::create_directories(session.workingFolder);
         session.rand.seed(7);
     }

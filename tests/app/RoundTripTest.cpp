@@ -5,6 +5,7 @@
 #include "AppTestSupport.h"
 
 #include "common/FileIO.h"
+#include "game/GameBackup.h"
 #include "game/GameTransfer.h"
 #include "graphics/Bitmap.h"
 #include "shell/CommandIds.h"
@@ -75,6 +76,10 @@ TEST_F(AppTest, RoundTripThroughTheGame) {
     w.runCommand(command::ExportToGame);
     ASSERT_TRUE(asker.ids.empty()) << asker.lastText();
     EXPECT_NE(readFileBytes(jam), jamBefore);
+    // The export kept what it replaced.
+    const std::vector<GameBackup> backups = listGameBackups(session.backupsRoot, game);
+    ASSERT_EQ(backups.size(), 1u);
+    EXPECT_TRUE(backups[0].complete);
 
     w.runCommand(command::NewCarSet);
     w.runCommand(command::ImportFromGame);
