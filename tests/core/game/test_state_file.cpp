@@ -90,9 +90,7 @@ TEST_F(StateFile, ReadRefusesBadNumbersAndShortFiles) {
     data[fixture::kStateNumbers + 2] = 128;
     write(data);
     CarSet set;
-    auto result = ReadStateFileNames(set, folder.path());
-    ASSERT_FALSE(result);
-    EXPECT_EQ(result.error().id, MessageId::BadDriverNumbers);
+    EXPECT_EQ(ReadStateFileNames(set, folder.path()).error().id, MessageId::BadDriverNumbers);
     data = makeStateFile(true);
     data.resize(15000);
     write(data);
@@ -101,6 +99,10 @@ TEST_F(StateFile, ReadRefusesBadNumbersAndShortFiles) {
     EXPECT_EQ(ReadStateFileNames(set, folder.path()).error().id, MessageId::CouldntReadStateFile);
 }
 
+// The written file pinned whole: names in the game's code page, numbers with
+// the flag bit and 0 for a disabled seat (whose driver is still named), the
+// number map, "Not Used" and "SpareNN" placeholders, a new trailer, and every
+// other byte kept.
 TEST_F(StateFile, WriteNamesNumbersMapAndTrailer) {
     Bytes before = makeStateFile(true);
     write(before);
@@ -118,27 +120,7 @@ TEST_F(StateFile, WriteNamesNumbersMapAndTrailer) {
     for (int n = 1; n <= 40; ++n) setFieldText(set.drivers[std::size_t(n)].name, "Racer " + std::to_string(n));
     ASSERT_TRUE(WriteStateFileNames(set, folder.path()));
     EXPECT_TRUE(CheckStateFile(folder.path()));
-    Bytes after = readFileBytes(path);
-    ASSERT_EQ(after.size(), before.size());
-    EXPECT_EQ(fieldAt(after, fixture::kStateTeams + 13 * 2, 13), "T\x82" "2");
-    EXPECT_EQ(after[fixture::kStateNumbers + 0], 1);
-    EXPECT_EQ(after[fixture::kStateNumbers + 8], 0) << "disabled seat";
-    EXPECT_EQ(fieldAt(after, fixture::kStateNames + 24 * 4, 24), "Racer 5") << "its driver is still named";
-    EXPECT_EQ(after[fixture::kStateNumbers + 13], 26 + 128);
-    EXPECT_EQ(after[fixture::kStateNumberMap - 1 + 26], 13);
-    EXPECT_EQ(after[fixture::kStateNumberMap - 1 + 1], 0);
-    EXPECT_EQ(after[fixture::kStateNumberMap - 1 + 20], 1);
-    EXPECT_EQ(after[fixture::kStateNumberMap - 1 + 40], 0) << "unused numbers map to nothing";
-    EXPECT_EQ(fieldAt(after, fixture::kStateNames + 24 * 12, 24), "Not Used");
-    EXPECT_EQ(fieldAt(after, fixture::kStateNames + 24 * 39, 24), "Spare40");
-    // Every byte outside the written tables and the trailer is kept.
-    for (std::size_t k = 0; k + 4 < after.size(); ++k) {
-        bool written = k >= fixture::kStateNumbers && k < fixture::kStateEngines + 14 * 13 &&
-                       !(k >= fixture::kStateCockpit && k < fixture::kStateCockpit + 42);
-        if (!written) {
-            ASSERT_EQ(after[k], before[k]) << "offset " << k;
-        }
-    }
+    EXPECT_EQ(digest(readFileBytes(path)), "?");
 }
 
 TEST_F(StateFile, WriteRefusesAShortFile) {
@@ -146,9 +128,7 @@ TEST_F(StateFile, WriteRefusesAShortFile) {
     data.resize(15700);
     write(data);
     CarSet set;
-    auto result = WriteStateFileNames(set, folder.path());
-    ASSERT_FALSE(result);
-    EXPECT_EQ(result.error().id, MessageId::StateFileNotPatched);
+    EXPECT_EQ(WriteStateFileNames(set, folder.path()).error().id, MessageId::StateFileNotPatched);
     EXPECT_EQ(readFileBytes(path), data);
 }
 
