@@ -76,32 +76,33 @@ TEST_F(GameTransfer, FailedImportKeepsTheFirstLayoutCopy) {
     EXPECT_EQ(set.carNumbers, before);
 }
 
-TEST_F(GameTransfer, ExportWithTheStateFileWritesBothFiles) {
-    makeGame();
-    select({0, 44});
-    setFieldText(set.teams[3].name, "Both Files");
-    setFieldText(set.drivers[std::size_t(set.teams[3].driver[0])].name, "Named Twice");
-    set.teams[3].teamBytesA = {9, 8, 7};
-    ASSERT_TRUE(ExportToGame(set, selection, context, progress));
-    Bytes exeBytes = readFileBytes(exe());
-    Bytes stateBytes = readFileBytes(state());
-    EXPECT_EQ(fieldAt(exeBytes, at(fixture::kNames, 0) + 960 + 39, 13), "Both Files");
-    EXPECT_EQ(fieldAt(stateBytes, fixture::kStateTeams + 39, 13), "Both Files");
-    int n = set.teams[3].driver[0];
-    EXPECT_EQ(fieldAt(exeBytes, at(fixture::kNames, 0) + 24 * std::uint32_t(n - 1), 24), "Named Twice");
-    EXPECT_EQ(fieldAt(stateBytes, fixture::kStateNames + 24 * std::uint32_t(n - 1), 24), "Named Twice");
-    EXPECT_EQ((Bytes{stateBytes[fixture::kStateCockpit + 9], exeBytes[at(fixture::kCockpit, 0) + 11]}), (Bytes{9, 7}));
-    EXPECT_TRUE(CheckStateFile(folder.path()));
-}
-
-TEST_F(GameTransfer, ExportWithoutAValidStateFileLeavesItAlone) {
-    GameFixtureOptions options;
-    options.validStateTrailer = false;
-    makeGame(options);
-    Bytes before = readFileBytes(state());
-    select({0, 44});
-    ASSERT_TRUE(ExportToGame(set, selection, context, progress));
-    EXPECT_EQ(readFileBytes(state()), before);
+// With a valid state file names and colours go into both files and the trailer
+// is renewed; a state file with a wrong trailer is left alone.
+TEST_F(GameTransfer, ExportWritesTheStateFileOnlyWhenItIsValid) {
+    for (bool valid : {true, false}) {
+        GameFixtureOptions options;
+        options.validStateTrailer = valid;
+        makeGame(options);
+        const Bytes stateBefore = readFileBytes(state());
+        select({0, 44});
+        setFieldText(set.teams[3].name, "Both Files");
+        const int n = set.teams[3].driver[0];
+        setFieldText(set.drivers[std::size_t(n)].name, "Named Twice");
+        set.teams[3].teamBytesA = {9, 8, 7};
+        ASSERT_TRUE(ExportToGame(set, selection, context, progress));
+        const Bytes exeBytes = readFileBytes(exe()), stateBytes = readFileBytes(state());
+        EXPECT_EQ(fieldAt(exeBytes, at(fixture::kNames, 0) + 960 + 39, 13), "Both Files");
+        EXPECT_EQ(fieldAt(exeBytes, at(fixture::kNames, 0) + 24 * std::uint32_t(n - 1), 24), "Named Twice");
+        EXPECT_EQ(exeBytes[at(fixture::kCockpit, 0) + 11], 7);
+        if (!valid) {
+            EXPECT_EQ(stateBytes, stateBefore);
+            continue;
+        }
+        EXPECT_EQ(fieldAt(stateBytes, fixture::kStateTeams + 39, 13), "Both Files");
+        EXPECT_EQ(fieldAt(stateBytes, fixture::kStateNames + 24 * std::uint32_t(n - 1), 24), "Named Twice");
+        EXPECT_EQ(stateBytes[fixture::kStateCockpit + 9], 9);
+        EXPECT_TRUE(CheckStateFile(folder.path()));
+    }
 }
 
 TEST_F(GameTransfer, ExportThenImportRoundTripForEveryRelease) {
@@ -161,37 +162,6 @@ TEST_F(GameTransfer, AbortDuringTheFirstItemStopsBeforeTheNext) {
     EXPECT_EQ(readFileBytes(exe())[at(fixture::kCockpit, 0) + 3], exeBefore[at(fixture::kCockpit, 0) + 3]);
 }
 
-TEST_F(GameTransfer, AbortDuringAFailingItemReportsTheAbortThenTheFailure) {
-    makeGame();
-    fs::resize_file(exe(), 1950000);   // the team data cannot be written
-    select({0, 44});
-    progress.abortAfter = "Team Data";
-    std::vector<Message> notices;
-    auto written = ExportToGame(set, selection, context, progress, &notices);
-    ASSERT_FALSE(written);
-    EXPECT_EQ(written.error().id, MessageId::ExportAborted);
-    ASSERT_EQ(notices.size(), 1u);
-    EXPECT_EQ(messageText(notices.front()), "GP2.EXE was not Patched Correctly.");
-    EXPECT_EQ(progress.categories, std::vector<std::string>{"Team Data"});
-
-    RecordingProgress importProgress;
-    importProgress.abortAfter = "Team Data";
-    EXPECT_EQ(ImportFromGame(set, selection, context, importProgress, changed).error().id, MessageId::ImportAborted);
-}
-
-TEST_F(GameTransfer, MissingGameFileIsRefusedBeforeAnythingIsWritten) {
-    makeGame();
-    fs::remove(exe());
-    Bytes stateBefore = readFileBytes(state());
-    select({0});
-    auto result = ExportToGame(set, selection, context, progress);
-    ASSERT_FALSE(result);
-    EXPECT_EQ(messageText(result.error()), "File Not Found - GP2.EXE.");
-    EXPECT_TRUE(progress.categories.empty());
-    EXPECT_EQ(readFileBytes(state()), stateBefore) << "the state file is untouched";
-    EXPECT_EQ(ImportFromGame(set, selection, context, progress, changed).error().id, MessageId::FileNotFound);
-}
-
 TEST_F(GameTransfer, ReadOnlyFilesAreMadeWritable) {
     makeGame();
     fs::permissions(exe(), fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write, fs::perm_options::remove);
@@ -203,32 +173,49 @@ TEST_F(GameTransfer, ReadOnlyFilesAreMadeWritable) {
     EXPECT_EQ(fieldAt(readFileBytes(state()), fixture::kStateTeams, 13), "Writable");
 }
 
+// A failing item carries its own message and no item runs after it; an abort
+// during a failing item reports the abort, with the failure as a notice.
 TEST_F(GameTransfer, FailuresCarryTheItemsMessage) {
     makeGame();
     fs::resize_file(exe(), 1950000);
     select({44});
     EXPECT_EQ(messageText(ImportFromGame(set, selection, context, progress, changed).error()), "Couldn't Read Data from GP2.EXE.");
     EXPECT_EQ(messageText(ExportToGame(set, selection, context, progress).error()), "GP2.EXE was not Patched Correctly.");
-    select({0, 47});
+    select({0, 44, 47});
     RecordingProgress second;
     EXPECT_FALSE(ExportToGame(set, selection, context, second));
-    EXPECT_EQ(second.categories, std::vector<std::string>{"Team Data"}) << "no item runs after a failure";
+    EXPECT_EQ(second.categories, std::vector<std::string>{"Team Data"});
+    RecordingProgress aborting;
+    aborting.abortAfter = "Team Data";
+    std::vector<Message> notices;
+    EXPECT_EQ(ExportToGame(set, selection, context, aborting, &notices).error().id, MessageId::ExportAborted);
+    ASSERT_EQ(notices.size(), 1u);
+    EXPECT_EQ(messageText(notices.front()), "GP2.EXE was not Patched Correctly.");
+    RecordingProgress importAborting;
+    importAborting.abortAfter = "Team Data";
+    EXPECT_EQ(ImportFromGame(set, selection, context, importAborting, changed).error().id, MessageId::ImportAborted);
 }
 
-TEST_F(GameTransfer, UnknownReleaseAndEmptySelection) {
+// An empty selection does nothing; a missing game file is refused before any
+// item runs or any file is written; an unknown release is refused.
+TEST_F(GameTransfer, EmptySelectionMissingFileAndUnknownRelease) {
     makeGame();
     select({});
-    Bytes before = readFileBytes(exe());
-    CarSet copy = set;
+    const Bytes exeBefore = readFileBytes(exe()), stateBefore = readFileBytes(state());
     ASSERT_TRUE(ImportFromGame(set, selection, context, progress, changed));
     ASSERT_TRUE(ExportToGame(set, selection, context, progress));
-    EXPECT_TRUE(progress.categories.empty());
-    EXPECT_EQ(readFileBytes(exe()), before);
-    EXPECT_EQ(set.teams[0].powerRace, copy.teams[0].powerRace);
-    context.version = -1;
+    EXPECT_EQ(set.teams[0].powerRace, CarSet().teams[0].powerRace);
+    EXPECT_EQ(readFileBytes(exe()), exeBefore);
     select({0});
+    context.version = -1;
     EXPECT_EQ(messageText(ImportFromGame(set, selection, context, progress, changed).error()), "Unsupported Version.");
     EXPECT_EQ(ExportToGame(set, selection, context, progress).error().id, MessageId::UnsupportedVersion);
+    context.version = 0;
+    fs::remove(exe());
+    EXPECT_EQ(messageText(ExportToGame(set, selection, context, progress).error()), "File Not Found - GP2.EXE.");
+    EXPECT_EQ(ImportFromGame(set, selection, context, progress, changed).error().id, MessageId::FileNotFound);
+    EXPECT_TRUE(progress.categories.empty());
+    EXPECT_EQ(readFileBytes(state()), stateBefore);
 }
 
 // Labels and game files of the item table, and which items can be transferred.
