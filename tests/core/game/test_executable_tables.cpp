@@ -209,7 +209,7 @@ TEST_F(ExecutableTables, ExportWritesTheTablesInTheGameEncoding) {
     CarSet set = editedSet();
     set.teams[5].disabled[1] = 1;
     ASSERT_TRUE(exportTables(set));
-    EXPECT_EQ(digest(readFileBytes(exe)), "5702937:8106319877463983477");
+    EXPECT_EQ(digest(readFileBytes(exe)), "5702937:5c54a3d27c928d4f");
 }
 
 TEST_F(ExecutableTables, ExportThenImportGivesBackTheTeamDataForEveryRelease) {

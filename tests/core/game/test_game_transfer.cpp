@@ -81,7 +81,7 @@ TEST_F(GameTransfer, FailedImportKeepsTheFirstLayoutCopy) {
 // writable); a state file with a wrong trailer is left alone.
 TEST_F(GameTransfer, ExportWritesTheStateFileOnlyWhenItIsValid) {
     const std::tuple<bool, std::string, std::string> rows[] = {
-        {true, "5702937:7046061099678368098", "16004:12600486756218093448"}, {false, "5702937:7046061099678368098", "16004:6728901670754127128"}};
+        {true, "5702937:097b424fd36af7ff", "16004:e9bcd5133bcf2866"}, {false, "5702937:097b424fd36af7ff", "16004:5d4764b22763d367"}};
     for (const auto& [valid, exeDigest, stateDigest] : rows) {
         GameFixtureOptions options;
         options.validStateTrailer = valid;

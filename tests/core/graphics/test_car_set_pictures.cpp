@@ -24,7 +24,7 @@ TEST(CarSetPictures, DefaultsAreTheBuiltInLiveryAndSheet) {
     for (const auto& livery : set.liveries) EXPECT_EQ(livery, Bytes(kBuiltinLiveryPixels, kBuiltinLiveryPixels + kLiveryPixels));
     BitmapBuffer sheet = BuildDefaultHelmetSheet();
     EXPECT_EQ(set.helmetSheet, Bytes(sheet.pixels(), sheet.pixels() + kHelmetSheetPixels));
-    EXPECT_EQ(digest(defaultLiveryBitmap().data), "43048:8974873617409903170");
+    EXPECT_EQ(digest(defaultLiveryBitmap().data), "43048:d7aa75ca84a0fd73");
 }
 
 // A loaded livery marks the team's slot external with its path; a refused

@@ -198,12 +198,12 @@ TEST(JamConvert, RebuiltFilesArePinned) {
         std::string digest;
     };
     const Row rows[] = {
-        {"sorted tables", 19, -1, painted(19, [](int x, int) { return x % 3 == 0 ? 200 : x % 3 == 1 ? 90 : 5; }), {}, 1, "53452:8388857708551713632"},
-        {"surplus colours", 0, 5, painted(0, [](int x, int y) { return (x + y) % 7 * 10; }), options(true, false, false), 1, "42040:11260450408815193499"},
-        {"strip", 0, 5, strip, options(true, true, false), 0, "42040:18299035109564673558"},
-        {"no strip", 0, 5, strip, options(true, false, false), 0, "42040:8372916978038271999"},
-        {"greens", 0, -1, painted(0, [&](int x, int) { return greens[(x / 8) % 10]; }), options(true, false, true), 0, "42808:10543069758780705704"},
-        {"raw tableless image", 19, -1, painted(19, [](int x, int y) { return x ^ y; }), options(true, true, true), 19, "53452:14687808469772297878"},
+        {"sorted tables", 19, -1, painted(19, [](int x, int) { return x % 3 == 0 ? 200 : x % 3 == 1 ? 90 : 5; }), {}, 1, "53452:a84da19cdc54e584"},
+        {"surplus colours", 0, 5, painted(0, [](int x, int y) { return (x + y) % 7 * 10; }), options(true, false, false), 1, "42040:8e535119ce1ae141"},
+        {"strip", 0, 5, strip, options(true, true, false), 0, "42040:34f1ff2f00012190"},
+        {"no strip", 0, 5, strip, options(true, false, false), 0, "42040:08e155aa0ae2896e"},
+        {"greens", 0, -1, painted(0, [&](int x, int) { return greens[(x / 8) % 10]; }), options(true, false, true), 0, "42808:5b8b391010c8714c"},
+        {"raw tableless image", 19, -1, painted(19, [](int x, int y) { return x ^ y; }), options(true, true, true), 19, "53452:a03adf5aca4ff103"},
     };
     for (const Row& row : rows) {
         Bytes jam = plainJam(row.number, 2);
