@@ -5,20 +5,13 @@
 namespace tarvel {
 namespace {
 
-TEST(Checksum, SumAndRotatingHash) {
-    Checksum small = computeChecksum(Bytes{1, 2, 3});
-    EXPECT_EQ(small.sum, 6);
-    EXPECT_EQ(small.hash, 83);  // ((1 << 3) + 2) << 3 + 3
-    // The hash rotates its top bits back into the bottom.
-    Checksum wrap = computeChecksum(Bytes(5, 255));
-    EXPECT_EQ(wrap.sum, 1275);
-    EXPECT_EQ(wrap.hash, 0x36C9);
-    // The sum is kept modulo 65536.
+// Sum modulo 65536 and the hash that rotates its top bits back into the bottom;
+// pieces fed one after another give the result of the whole.
+TEST(Checksum, SumRotatingHashAndPieces) {
+    EXPECT_EQ(computeChecksum(Bytes{1, 2, 3}), (Checksum{6, 83}));   // ((1 << 3) + 2) << 3 + 3
+    EXPECT_EQ(computeChecksum(Bytes(5, 255)), (Checksum{1275, 0x36C9}));
     EXPECT_EQ(computeChecksum(Bytes(300, 255)).sum, (300 * 255) % 65536);
     EXPECT_EQ(computeChecksum(Bytes{}), (Checksum{0, 0}));
-}
-
-TEST(Checksum, PiecesGiveTheSameResultAsTheWhole) {
     Bytes data;
     for (int i = 0; i < 10000; ++i) data.push_back(std::uint8_t(i * 37 + i / 7));
     Checksum pieces;
@@ -34,17 +27,14 @@ TEST(Checksum, TrailerIsAppendedCheckedAndRewritten) {
     ASSERT_EQ(data.size(), 9u);
     EXPECT_EQ(loadU16(&data[5]), 150);
     EXPECT_TRUE(checksumTrailerMatches(data));
-
     data[2] ^= 1;
     EXPECT_FALSE(checksumTrailerMatches(data));
     ASSERT_TRUE(writeChecksumTrailer(data));
     EXPECT_TRUE(checksumTrailerMatches(data));
-
     Checksum stored;
     EXPECT_FALSE(readChecksumTrailer(Bytes{1, 2, 3}, stored));
     EXPECT_FALSE(checksumTrailerMatches(Bytes{1, 2, 3}));
-    // Four zero bytes are the trailer of nothing.
-    EXPECT_TRUE(checksumTrailerMatches(Bytes{0, 0, 0, 0}));
+    EXPECT_TRUE(checksumTrailerMatches(Bytes{0, 0, 0, 0}));   // the trailer of nothing
 }
 
 }  // namespace

@@ -15,12 +15,6 @@ inline std::uint16_t u16At(const Bytes& data, std::size_t offset) {
     return std::uint16_t(data.at(offset) | (data.at(offset + 1) << 8));
 }
 
-inline std::string fieldAt(const Bytes& data, std::size_t offset, std::size_t size) {
-    std::string text;
-    for (std::size_t k = 0; k < size && data.at(offset + k); ++k) text += char(data.at(offset + k));
-    return text;
-}
-
 // Records what the transfer shows and aborts once a chosen category began.
 class RecordingProgress : public Progress {
 public:

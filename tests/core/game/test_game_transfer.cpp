@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace tarvel {
 namespace {
 namespace fs = std::filesystem;
@@ -35,36 +37,34 @@ protected:
     RecordingProgress progress;
 };
 
-TEST_F(GameTransfer, ImportTakesNamesFromAValidStateFileAndPerformanceFromTheExecutable) {
-    makeGame();
-    select({0, 44, 47});
-    ASSERT_TRUE(ImportFromGame(set, selection, context, progress, changed));
-    EXPECT_EQ(fieldText(set.teams[0].name), "Save Team 00");
-    EXPECT_EQ(fieldText(set.drivers[1].name), "Save Driver 01");
-    EXPECT_EQ(set.teams[4].powerRace, fixtureRacePowerRaw(4) - 32817);
-    EXPECT_EQ(set.teams[2].teamBytesA[1], fixtureCockpitColour(7, true)) << "state file colours win";
-    EXPECT_EQ(set.teams[2].teamBytesB[3], fixturePitCrewColour(35));
-    EXPECT_EQ(set.carNumbers.partA[10], fixtureLayoutByte(10)) << "the import copy is taken over";
-    EXPECT_TRUE(changed);
-    EXPECT_EQ(progress.categories, (std::vector<std::string>{"Team Data", "Cockpit Colours", "Pit Crew Colours"}));
-    ASSERT_FALSE(progress.files.empty());
-    EXPECT_EQ(progress.files.front(), "GP2.EXE");
-}
-
-TEST_F(GameTransfer, ImportWithoutOrWithABrokenStateFileUsesTheExecutable) {
-    for (bool present : {false, true}) {
+// Names, numbers and cockpit colours come from the state file when it is valid,
+// from the executable when it is missing or its trailer is wrong; performance,
+// pit crew colours and the car number layout (the import copy taken over)
+// always come from the executable.
+TEST_F(GameTransfer, ImportTakesNamesFromAValidStateFileOnly) {
+    const std::tuple<bool, bool, std::string, std::string, int> rows[] = {
+        {true, true, "Save Team 00", "Save Driver 01", fixtureCockpitColour(7, true)},
+        {true, false, "\xC9quipe Rouge", "Fran\xE7ois Le Pilote 1234", fixtureCockpitColour(7, false)},
+        {false, true, "\xC9quipe Rouge", "Fran\xE7ois Le Pilote 1234", fixtureCockpitColour(7, false)}};
+    for (const auto& [present, valid, team, driver, cockpit] : rows) {
         GameFixtureOptions options;
         options.stateFile = present;
-        options.validStateTrailer = false;
+        options.validStateTrailer = valid;
         makeGame(options);
-        select({0, 44});
-        ASSERT_TRUE(ImportFromGame(set, selection, context, progress, changed));
-        EXPECT_EQ(fieldText(set.teams[0].name), "\xC9quipe Rouge");
-        EXPECT_EQ(fieldText(set.drivers[1].name), "Fran\xE7ois Le Pilote 1234");
-        EXPECT_EQ(set.teams[2].teamBytesA[1], fixtureCockpitColour(7, false));
+        select({0, 44, 47});
+        RecordingProgress recorded;
+        ASSERT_TRUE(ImportFromGame(set, selection, context, recorded, changed));
+        EXPECT_EQ(std::tuple(fieldText(set.teams[0].name), fieldText(set.drivers[1].name), int(set.teams[2].teamBytesA[1])),
+                  std::tuple(team, driver, cockpit));
+        EXPECT_EQ((std::array<int, 3>{set.teams[4].powerRace, set.teams[2].teamBytesB[3], set.carNumbers.partA[10]}),
+                  (std::array<int, 3>{fixtureRacePowerRaw(4) - 32817, fixturePitCrewColour(35), fixtureLayoutByte(10)}));
+        EXPECT_TRUE(changed);
+        EXPECT_EQ(recorded.categories, (std::vector<std::string>{"Team Data", "Cockpit Colours", "Pit Crew Colours"}));
+        EXPECT_EQ(recorded.files.at(0), "GP2.EXE");
     }
 }
 
+// A failed import keeps the set's own car number layout.
 TEST_F(GameTransfer, FailedImportKeepsTheFirstLayoutCopy) {
     makeGame();
     pokeFile(state(), fixture::kStateNumbers, std::array<std::uint8_t, 3>{0, 0, 0});
@@ -72,40 +72,36 @@ TEST_F(GameTransfer, FailedImportKeepsTheFirstLayoutCopy) {
     select({0});
     CarNumberLayout before = set.carNumbers;
     auto result = ImportFromGame(set, selection, context, progress, changed);
-    ASSERT_FALSE(result);
     EXPECT_EQ(result.error().id, MessageId::BadDriverNumbers);
     EXPECT_EQ(set.carNumbers, before);
 }
 
-TEST_F(GameTransfer, ExportWithTheStateFileWritesBothFiles) {
-    makeGame();
-    select({0, 44});
-    setFieldText(set.teams[3].name, "Both Files");
-    setFieldText(set.drivers[std::size_t(set.teams[3].driver[0])].name, "Named Twice");
-    set.teams[3].teamBytesA = {9, 8, 7};
-    ASSERT_TRUE(ExportToGame(set, selection, context, progress));
-    Bytes exeBytes = readFileBytes(exe());
-    Bytes stateBytes = readFileBytes(state());
-    EXPECT_EQ(fieldAt(exeBytes, at(fixture::kNames, 0) + 960 + 39, 13), "Both Files");
-    EXPECT_EQ(fieldAt(stateBytes, fixture::kStateTeams + 39, 13), "Both Files");
-    int n = set.teams[3].driver[0];
-    EXPECT_EQ(fieldAt(exeBytes, at(fixture::kNames, 0) + 24 * std::uint32_t(n - 1), 24), "Named Twice");
-    EXPECT_EQ(fieldAt(stateBytes, fixture::kStateNames + 24 * std::uint32_t(n - 1), 24), "Named Twice");
-    EXPECT_EQ(stateBytes[fixture::kStateCockpit + 9], 9);
-    EXPECT_EQ(exeBytes[at(fixture::kCockpit, 0) + 11], 7);
-    EXPECT_TRUE(CheckStateFile(folder.path()));
+// Both files pinned whole after an export: with a valid state file, names and
+// colours go into both and the trailer is renewed (read-only files are made
+// writable); a state file with a wrong trailer is left alone.
+TEST_F(GameTransfer, ExportWritesTheStateFileOnlyWhenItIsValid) {
+    const std::tuple<bool, std::string, std::string> rows[] = {
+        {true, "5702937:097b424fd36af7ff", "16004:e9bcd5133bcf2866"}, {false, "5702937:097b424fd36af7ff", "16004:5d4764b22763d367"}};
+    for (const auto& [valid, exeDigest, stateDigest] : rows) {
+        GameFixtureOptions options;
+        options.validStateTrailer = valid;
+        makeGame(options);
+        const Bytes stateBefore = readFileBytes(state());
+        for (const fs::path& file : {exe(), state()})
+            fs::permissions(file, fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write, fs::perm_options::remove);
+        select({0, 44});
+        setFieldText(set.teams[3].name, "Both Files");
+        setFieldText(set.drivers[std::size_t(set.teams[3].driver[0])].name, "Named Twice");
+        set.teams[3].teamBytesA = {9, 8, 7};
+        ASSERT_TRUE(ExportToGame(set, selection, context, progress));
+        EXPECT_EQ(digest(readFileBytes(exe())), exeDigest);
+        EXPECT_EQ(digest(readFileBytes(state())), stateDigest);
+        EXPECT_EQ(CheckStateFile(folder.path()), valid);
+        if (!valid) EXPECT_EQ(readFileBytes(state()), stateBefore);
+    }
 }
 
-TEST_F(GameTransfer, ExportWithoutAValidStateFileLeavesItAlone) {
-    GameFixtureOptions options;
-    options.validStateTrailer = false;
-    makeGame(options);
-    Bytes before = readFileBytes(state());
-    select({0, 44});
-    ASSERT_TRUE(ExportToGame(set, selection, context, progress));
-    EXPECT_EQ(readFileBytes(state()), before);
-}
-
+// What is exported comes back for every release, with upper- or lower-case names.
 TEST_F(GameTransfer, ExportThenImportRoundTripForEveryRelease) {
     for (int release = 0; release < 7; ++release) {
         GameFixtureOptions options;
@@ -126,11 +122,9 @@ TEST_F(GameTransfer, ExportThenImportRoundTripForEveryRelease) {
         CarSet back;
         ASSERT_TRUE(ImportFromGame(back, selection, context, progress, changed)) << "release " << release;
         for (int team = 0; team < 14; ++team) {
-            EXPECT_EQ(fieldText(back.teams[std::size_t(team)].name), fieldText(source.teams[std::size_t(team)].name));
-            EXPECT_EQ(back.teams[std::size_t(team)].powerQual, 700 + team);
-            EXPECT_EQ(back.teams[std::size_t(team)].teamOrder, source.teams[std::size_t(team)].teamOrder);
-            EXPECT_EQ(back.teams[std::size_t(team)].teamBytesB[3], 30 + team);
-            EXPECT_EQ(back.teams[std::size_t(team)].teamBytesA, source.teams[std::size_t(team)].teamBytesA);
+            const TeamRecord *a = &back.teams[std::size_t(team)], *b = &source.teams[std::size_t(team)];
+            EXPECT_EQ(std::tuple(fieldText(a->name), a->powerQual, a->teamOrder, a->teamBytesA, a->teamBytesB[3]),
+                      std::tuple(fieldText(b->name), b->powerQual, b->teamOrder, b->teamBytesA, b->teamBytesB[3])) << team;
         }
         const DriverRecord& driver = back.drivers[std::size_t(back.teams[0].driver[1])];
         EXPECT_EQ(fieldText(driver.name), "\xD1o\xF1o Mu\xF1oz Hern\xE1ndez Jr");
@@ -139,15 +133,13 @@ TEST_F(GameTransfer, ExportThenImportRoundTripForEveryRelease) {
     }
 }
 
+// An abort during the first item stops before the next; what was read stays.
 TEST_F(GameTransfer, AbortDuringTheFirstItemStopsBeforeTheNext) {
     makeGame();
     select({0, 44});
     progress.abortAfter = "Team Data";
     auto before = set.teams[1].teamBytesA;
-    auto result = ImportFromGame(set, selection, context, progress, changed);
-    ASSERT_FALSE(result);
-    EXPECT_EQ(result.error().id, MessageId::ImportAborted);
-    EXPECT_EQ(messageText(result.error()), "Import from Game Aborted.");
+    EXPECT_EQ(messageText(ImportFromGame(set, selection, context, progress, changed).error()), "Import from Game Aborted.");
     EXPECT_EQ(progress.categories, std::vector<std::string>{"Team Data"});
     EXPECT_EQ(set.teams[1].teamBytesA, before);
     EXPECT_EQ(fieldText(set.teams[0].name), "Save Team 00") << "what was read stays";
@@ -156,96 +148,69 @@ TEST_F(GameTransfer, AbortDuringTheFirstItemStopsBeforeTheNext) {
     RecordingProgress exportProgress;
     exportProgress.abortAfter = "Team Data";
     set.teams[1].teamBytesA = {3, 3, 3};
-    auto written = ExportToGame(set, selection, context, exportProgress);
-    ASSERT_FALSE(written);
-    EXPECT_EQ(messageText(written.error()), "Export to Game Aborted.");
+    EXPECT_EQ(messageText(ExportToGame(set, selection, context, exportProgress).error()), "Export to Game Aborted.");
     EXPECT_EQ(exportProgress.categories, std::vector<std::string>{"Team Data"});
     EXPECT_EQ(readFileBytes(exe())[at(fixture::kCockpit, 0) + 3], exeBefore[at(fixture::kCockpit, 0) + 3]);
 }
 
-TEST_F(GameTransfer, AbortDuringAFailingItemReportsTheAbortThenTheFailure) {
-    makeGame();
-    fs::resize_file(exe(), 1950000);   // the team data cannot be written
-    select({0, 44});
-    progress.abortAfter = "Team Data";
-    std::vector<Message> notices;
-    auto written = ExportToGame(set, selection, context, progress, &notices);
-    ASSERT_FALSE(written);
-    EXPECT_EQ(written.error().id, MessageId::ExportAborted);
-    ASSERT_EQ(notices.size(), 1u);
-    EXPECT_EQ(messageText(notices.front()), "GP2.EXE was not Patched Correctly.");
-    EXPECT_EQ(progress.categories, std::vector<std::string>{"Team Data"});
-
-    RecordingProgress importProgress;
-    importProgress.abortAfter = "Team Data";
-    EXPECT_EQ(ImportFromGame(set, selection, context, importProgress, changed).error().id, MessageId::ImportAborted);
-}
-
-TEST_F(GameTransfer, MissingGameFileIsRefusedBeforeAnythingIsWritten) {
-    makeGame();
-    fs::remove(exe());
-    Bytes stateBefore = readFileBytes(state());
-    select({0});
-    auto result = ExportToGame(set, selection, context, progress);
-    ASSERT_FALSE(result);
-    EXPECT_EQ(messageText(result.error()), "File Not Found - GP2.EXE.");
-    EXPECT_TRUE(progress.categories.empty());
-    EXPECT_EQ(readFileBytes(state()), stateBefore) << "the state file is untouched";
-    EXPECT_EQ(ImportFromGame(set, selection, context, progress, changed).error().id, MessageId::FileNotFound);
-}
-
-TEST_F(GameTransfer, ReadOnlyFilesAreMadeWritable) {
-    makeGame();
-    fs::permissions(exe(), fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write, fs::perm_options::remove);
-    fs::permissions(state(), fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write, fs::perm_options::remove);
-    select({0});
-    setFieldText(set.teams[0].name, "Writable");
-    ASSERT_TRUE(ExportToGame(set, selection, context, progress));
-    EXPECT_EQ(fieldAt(readFileBytes(exe()), at(fixture::kNames, 0) + 960, 13), "Writable");
-    EXPECT_EQ(fieldAt(readFileBytes(state()), fixture::kStateTeams, 13), "Writable");
-}
-
+// A failing item carries its own message and no item runs after it; an abort
+// during a failing item reports the abort, with the failure as a notice.
 TEST_F(GameTransfer, FailuresCarryTheItemsMessage) {
     makeGame();
     fs::resize_file(exe(), 1950000);
     select({44});
     EXPECT_EQ(messageText(ImportFromGame(set, selection, context, progress, changed).error()), "Couldn't Read Data from GP2.EXE.");
     EXPECT_EQ(messageText(ExportToGame(set, selection, context, progress).error()), "GP2.EXE was not Patched Correctly.");
-    select({0, 47});
+    select({0, 44, 47});
     RecordingProgress second;
     EXPECT_FALSE(ExportToGame(set, selection, context, second));
-    EXPECT_EQ(second.categories, std::vector<std::string>{"Team Data"}) << "no item runs after a failure";
+    EXPECT_EQ(second.categories, std::vector<std::string>{"Team Data"});
+    RecordingProgress aborting;
+    aborting.abortAfter = "Team Data";
+    std::vector<Message> notices;
+    EXPECT_EQ(ExportToGame(set, selection, context, aborting, &notices).error().id, MessageId::ExportAborted);
+    ASSERT_EQ(notices.size(), 1u);
+    EXPECT_EQ(messageText(notices.front()), "GP2.EXE was not Patched Correctly.");
+    RecordingProgress importAborting;
+    importAborting.abortAfter = "Team Data";
+    EXPECT_EQ(ImportFromGame(set, selection, context, importAborting, changed).error().id, MessageId::ImportAborted);
 }
 
-TEST_F(GameTransfer, UnknownReleaseAndEmptySelection) {
+// An empty selection does nothing; a missing game file is refused before any
+// item runs or any file is written; an unknown release is refused.
+TEST_F(GameTransfer, EmptySelectionMissingFileAndUnknownRelease) {
     makeGame();
     select({});
-    Bytes before = readFileBytes(exe());
-    CarSet copy = set;
+    const Bytes exeBefore = readFileBytes(exe()), stateBefore = readFileBytes(state());
     ASSERT_TRUE(ImportFromGame(set, selection, context, progress, changed));
     ASSERT_TRUE(ExportToGame(set, selection, context, progress));
-    EXPECT_TRUE(progress.categories.empty());
-    EXPECT_EQ(readFileBytes(exe()), before);
-    EXPECT_EQ(set.teams[0].powerRace, copy.teams[0].powerRace);
-    context.version = -1;
+    EXPECT_EQ(set.teams[0].powerRace, CarSet().teams[0].powerRace);
+    EXPECT_EQ(readFileBytes(exe()), exeBefore);
     select({0});
+    context.version = -1;
     EXPECT_EQ(messageText(ImportFromGame(set, selection, context, progress, changed).error()), "Unsupported Version.");
     EXPECT_EQ(ExportToGame(set, selection, context, progress).error().id, MessageId::UnsupportedVersion);
+    context.version = 0;
+    fs::remove(exe());
+    EXPECT_EQ(messageText(ExportToGame(set, selection, context, progress).error()), "File Not Found - GP2.EXE.");
+    EXPECT_EQ(ImportFromGame(set, selection, context, progress, changed).error().id, MessageId::FileNotFound);
+    EXPECT_TRUE(progress.categories.empty());
+    EXPECT_EQ(readFileBytes(state()), stateBefore);
 }
 
+// Labels and game files of the item table, and which items can be transferred.
 TEST(TransferItems, TableAndSelection) {
-    EXPECT_EQ(transferItemInfo(0).label, "Team Data");
-    EXPECT_EQ(transferItemInfo(0).gameFile, "GP2.EXE");
-    EXPECT_EQ(transferItemInfo(14).label, "Car JAMs");
-    EXPECT_EQ(transferItemInfo(15).displayName, "HELMETS1.JAM");
-    EXPECT_EQ(transferItemInfo(1).gameFile, "GAMEJAMS\\WILLIAMS.JAM");
-    EXPECT_EQ(transferItemInfo(45).displayName, "CPITHI.PCX");
-    EXPECT_EQ(transferItemInfo(46).gameFile, "BITMAPS\\CPITLOW.PCX");
-    EXPECT_EQ(transferItemInfo(30).displayName, "F1PCSVGA.BIN");
-    EXPECT_EQ(transferItemInfo(100).gameFile, "SOUND\\SAMPLE.CAT");
-    EXPECT_EQ(transferItemInfo(157).label, "Laps Data");
-    EXPECT_EQ(transferItemInfo(158).label, "JAM Files");
-    EXPECT_EQ(transferItemInfo(356).label, "JAM Files");
+    const std::tuple<int, std::string_view, std::string_view, std::string_view> rows[] = {
+        {0, "Team Data", "GP2.EXE", ""}, {1, "", "GAMEJAMS\\WILLIAMS.JAM", ""}, {14, "Car JAMs", "", ""},
+        {15, "", "", "HELMETS1.JAM"}, {30, "", "", "F1PCSVGA.BIN"}, {45, "", "", "CPITHI.PCX"},
+        {46, "", "BITMAPS\\CPITLOW.PCX", ""}, {100, "", "SOUND\\SAMPLE.CAT", ""}, {157, "Laps Data", "", ""},
+        {158, "JAM Files", "", ""}, {356, "JAM Files", "", ""}};
+    for (const auto& [item, label, gameFile, displayName] : rows) {
+        const auto& info = transferItemInfo(item);
+        if (!label.empty()) EXPECT_EQ(info.label, label) << item;
+        if (!gameFile.empty()) EXPECT_EQ(info.gameFile, gameFile) << item;
+        if (!displayName.empty()) EXPECT_EQ(info.displayName, displayName) << item;
+    }
     for (int item : {0, 1, 14, 15, 16, 43, 44, 47, 48, 51, 158, 356}) EXPECT_TRUE(transferItemAvailable(item)) << item;
     for (int item : {45, 46, 52, 53, 54, 55, 154, 155, 156, 157, -1, 357}) EXPECT_FALSE(transferItemAvailable(item)) << item;
     TransferSelection all;
@@ -257,9 +222,7 @@ TEST(TransferItems, TableAndSelection) {
 TEST(TransferItems, ParseList) {
     auto list = parseTransferItemList("0,44,47");
     ASSERT_TRUE(list);
-    EXPECT_EQ((*list)[0], 1);
-    EXPECT_EQ((*list)[44], 1);
-    EXPECT_EQ((*list)[1], 0);
+    EXPECT_EQ((std::array<int, 4>{(*list)[0], (*list)[44], (*list)[47], (*list)[1]}), (std::array<int, 4>{1, 1, 1, 0}));
     auto refused = parseTransferItemList("0,40-60");
     ASSERT_FALSE(refused);
     EXPECT_EQ(refused.error().id, MessageId::ItemNotAvailable);

@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <tuple>
+
 namespace tarvel {
 namespace {
 namespace fs = std::filesystem;
@@ -36,6 +39,8 @@ protected:
     RecordingProgress progress;
 };
 
+// The import fills team 1's livery, wheel 0, menu helmets 0 and 27 and JAM 19,
+// each slot pointing at its working file.
 TEST_F(PictureItems, ImportFillsLiveriesSlotsAndMenuHelmets) {
     select({1, 15, 16, 43, 48, 158});
     auto imported = ImportFromGame(set, selection, context, progress, changed);
@@ -47,70 +52,50 @@ TEST_F(PictureItems, ImportFillsLiveriesSlotsAndMenuHelmets) {
     EXPECT_EQ(set.liveries[1], CarSet().liveries[1]);
     EXPECT_EQ(set.teams[0].carBitmap.status, kAssetExternal);
 
-    EXPECT_EQ(set.wheels[0].status, kAssetExternal);
-    EXPECT_EQ(fs::path(fieldText(set.wheels[0].path)).filename(), "JAM015.BMP");
-    EXPECT_TRUE(fs::exists(fieldText(set.wheels[0].path)));
-    EXPECT_EQ(set.jams[19].status, kAssetExternal);
-    EXPECT_EQ(fs::path(fieldText(set.jams[19].path)).filename(), "JAM019.BMP");
-    EXPECT_EQ(set.jams[20].status, kAssetEmpty);
-    EXPECT_EQ(set.menuHelmets[0].status, kAssetExternal);
-    EXPECT_EQ(fs::path(fieldText(set.menuHelmets[27].path)).filename(), "MENU27.BMP");
-    EXPECT_EQ(set.menuHelmets[1].status, kAssetEmpty);
-    EXPECT_EQ(set.menuHelmetCount, 2);
-    EXPECT_EQ(set.wheelCount, 1);
-    EXPECT_EQ(set.jamCount, 1);
+    // Slot, status and the working file's name (empty slots have none).
+    const std::tuple<const AssetSlot*, int, std::string> slots[] = {
+        {&set.wheels[0], kAssetExternal, "JAM015.BMP"}, {&set.jams[19], kAssetExternal, "JAM019.BMP"}, {&set.jams[20], kAssetEmpty, ""},
+        {&set.menuHelmets[27], kAssetExternal, "MENU27.BMP"}, {&set.menuHelmets[1], kAssetEmpty, ""}};
+    for (const auto& [slot, status, name] : slots) {
+        EXPECT_EQ(slot->status, status) << name;
+        EXPECT_EQ(fs::path(fieldText(slot->path)).filename(), name);
+        if (!name.empty()) EXPECT_TRUE(fs::exists(fieldText(slot->path))) << name;
+    }
+    EXPECT_EQ((std::array<int, 3>{set.menuHelmetCount, set.wheelCount, set.jamCount}), (std::array<int, 3>{2, 1, 1}));
 }
 
+// Slots that hold a picture are exported from their files (a solid picture for
+// menu helmet 5 and wheel 1; the files pinned whole); empty slots (menu helmet
+// 0, wheel 0) leave the game's own; an unreadable picture fails the item.
 TEST_F(PictureItems, ExportWritesOnlySlotsThatHoldAPicture) {
-    Bytes menuBefore = readFileBytes(game("BITMAPS/F1PCSVGA.BIN"));
-    Bytes wheelBefore = readFileBytes(game("GAMEJAMS/B1FTR.JAM"));
-    select({16, 48});
+    const auto solid = [&](AssetSlot& slot, int width, int height, const char* name) {
+        BitmapBuffer picture(width, height);
+        std::fill(picture.pixels(), picture.pixels() + picture.pixelBytes(), 0x27);
+        ASSERT_TRUE(SaveBitmap8(folder.path() / name, picture, graphicsOptions(context.options)));
+        slot.status = kAssetExternal;
+        setFieldText(slot.path, (folder.path() / name).string());
+    };
+    solid(set.menuHelmets[5], 104, 104, "helmet.bmp");
+    solid(set.wheels[1], 256, JamInfo(16).canvasHeight, "wheel.bmp");
+    const Bytes wheelBefore = readFileBytes(game("GAMEJAMS/B1FTR.JAM"));
+    select({16, 21, 48, 49});
     ASSERT_TRUE(ExportToGame(set, selection, context, progress));
-    EXPECT_EQ(readFileBytes(game("BITMAPS/F1PCSVGA.BIN")), menuBefore) << "empty slots leave the game's own";
     EXPECT_EQ(readFileBytes(game("GAMEJAMS/B1FTR.JAM")), wheelBefore);
-}
-
-TEST_F(PictureItems, ExportTakesSlotPicturesFromTheirFiles) {
-    // A solid picture in an outside file for menu helmet 5 and wheel 1.
-    const std::uint8_t colour = 0x27;
-    BitmapBuffer helmet(104, 104);
-    std::fill(helmet.pixels(), helmet.pixels() + helmet.pixelBytes(), colour);
-    fs::path helmetFile = folder.path() / "helmet.bmp";
-    ASSERT_TRUE(SaveBitmap8(helmetFile, helmet, graphicsOptions(context.options)));
-    set.menuHelmets[5].status = kAssetExternal;
-    setFieldText(set.menuHelmets[5].path, helmetFile.string());
-    BitmapBuffer wheel(256, JamInfo(16).canvasHeight);
-    std::fill(wheel.pixels(), wheel.pixels() + wheel.pixelBytes(), colour);
-    fs::path wheelFile = folder.path() / "wheel.bmp";
-    ASSERT_TRUE(SaveBitmap8(wheelFile, wheel, graphicsOptions(context.options)));
-    set.wheels[1].status = kAssetExternal;
-    setFieldText(set.wheels[1].path, wheelFile.string());
-
-    Bytes wheelBefore = readFileBytes(game("GAMEJAMS/B2FTR.JAM"));
-    select({21, 49});
-    ASSERT_TRUE(ExportToGame(set, selection, context, progress));
-    EXPECT_NE(readFileBytes(game("GAMEJAMS/B2FTR.JAM")), wheelBefore);
-    auto back = readMenuHelmet(context.gameFolder, 5);
-    ASSERT_TRUE(back);
-    for (int row = 0; row < 104; ++row)
-        for (int x = 0; x < 104; ++x) ASSERT_EQ(back->row(row)[x], colour) << row << "," << x;
-    auto other = readMenuHelmet(context.gameFolder, 6);
-    ASSERT_TRUE(other) << "the pictures after the replaced one still decode";
-
-    set.wheels[1].status = kAssetExternal;
+    EXPECT_EQ(digest(readFileBytes(game("GAMEJAMS/B2FTR.JAM"))), "25520:f9b6ff06b43a9171");
+    EXPECT_EQ(digest(readFileBytes(game("BITMAPS/F1PCSVGA.BIN"))), "43194:7a1194a438d1dc2e");
     setFieldText(set.wheels[1].path, (folder.path() / "missing.bmp").string());
     select({49});
-    EXPECT_FALSE(ExportToGame(set, selection, context, progress)) << "an unreadable picture fails the item";
+    EXPECT_FALSE(ExportToGame(set, selection, context, progress));
 }
 
+// A missing file is refused before any item writes; a damaged one fails the
+// import with its message and no item runs after it.
 TEST_F(PictureItems, MissingJamIsRefusedBeforeAnythingIsWritten) {
     fs::remove(game("GAMEJAMS/WILLIAMS.JAM"));
     Bytes exeBefore = readFileBytes(game("GP2.EXE"));
     Bytes stateBefore = readFileBytes(game("F1GSTATE.SAV"));
     select({0, 1});
-    auto result = ExportToGame(set, selection, context, progress);
-    ASSERT_FALSE(result);
-    EXPECT_EQ(messageText(result.error()), "File Not Found - WILLIAMS.JAM.");
+    EXPECT_EQ(messageText(ExportToGame(set, selection, context, progress).error()), "File Not Found - WILLIAMS.JAM.");
     EXPECT_EQ(readFileBytes(game("GP2.EXE")), exeBefore);
     EXPECT_EQ(readFileBytes(game("F1GSTATE.SAV")), stateBefore);
 }

@@ -11,42 +11,25 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 namespace tarvel::test {
 namespace {
 
-std::string slotPath(const AssetSlot& slot) { return fieldText(slot.path); }
-
+// Every livery becomes the built-in one and the sheet the default sheet; the
+// built-in livery itself (paint, white number plates in black rims, the
+// unpainted strip column) is pinned whole.
 TEST(CarSetPictures, DefaultsAreTheBuiltInLiveryAndSheet) {
     CarSet set;
     for (auto& livery : set.liveries) livery.assign(kLiveryPixels, 9);
     fillDefaultPictures(set);
-    for (const auto& livery : set.liveries) {
-        ASSERT_EQ(livery.size(), std::size_t(kLiveryPixels));
-        EXPECT_EQ(std::memcmp(livery.data(), kBuiltinLiveryPixels, livery.size()), 0);
-    }
+    for (const auto& livery : set.liveries) EXPECT_EQ(livery, Bytes(kBuiltinLiveryPixels, kBuiltinLiveryPixels + kLiveryPixels));
     BitmapBuffer sheet = BuildDefaultHelmetSheet();
-    ASSERT_EQ(set.helmetSheet.size(), std::size_t(kHelmetSheetPixels));
-    EXPECT_TRUE(std::equal(set.helmetSheet.begin(), set.helmetSheet.end(), sheet.pixels()));
+    EXPECT_EQ(set.helmetSheet, Bytes(sheet.pixels(), sheet.pixels() + kHelmetSheetPixels));
+    EXPECT_EQ(digest(defaultLiveryBitmap().data), "43048:d7aa75ca84a0fd73");
 }
 
-TEST(CarSetPictures, BuiltInLiveryHasPaintNumberPlatesAndTransparency) {
-    BitmapBuffer livery = defaultLiveryBitmap();
-    int transparent = 0;
-    for (std::size_t i = 0; i < livery.pixelBytes(); ++i) transparent += livery.pixels()[i] == 0;
-    EXPECT_GT(transparent, 2000);
-    EXPECT_LT(transparent, 41984 / 2);
-    // The number plates (bottom-up positions) are white inside a black rim.
-    struct Plate { int x, y, w, h; };
-    for (Plate p : {Plate{244, 150, 12, 14}, Plate{2, 150, 12, 14}, Plate{114, 28, 14, 11}, Plate{184, 28, 14, 11}}) {
-        EXPECT_EQ(livery.row(p.y + p.h / 2)[p.x + p.w / 2], 31) << p.x;
-        EXPECT_EQ(livery.row(p.y)[p.x + 1], 1) << p.x;
-    }
-    for (int r = 0; r < 164; ++r) ASSERT_EQ(livery.row(r)[0], 0) << "the strip column is left unpainted";
-}
-
-TEST(CarSetPictures, LiveryLoadSetsSourceAndDirtyAndFailureChangesNothing) {
+// A loaded livery marks the team's slot external with its path; a refused
+// file or a team past 13 changes nothing; saving writes the livery back.
+TEST(CarSetPictures, LiveryFiles) {
     ScratchFolder dir;
     CarSet set;
     fillDefaultPictures(set);
@@ -55,24 +38,20 @@ TEST(CarSetPictures, LiveryLoadSetsSourceAndDirtyAndFailureChangesNothing) {
     ASSERT_TRUE(SaveBitmap8(dir / "car.bmp", picture, {}));
     ASSERT_TRUE(loadTeamLivery(set, 5, dir / "car.bmp"));
     EXPECT_EQ(set.team(5).carBitmap.status, kAssetExternal);
-    EXPECT_EQ(slotPath(set.team(5).carBitmap), (dir / "car.bmp").string());
+    EXPECT_EQ(fieldText(set.team(5).carBitmap.path), (dir / "car.bmp").string());
     EXPECT_EQ(set.liveries[5][std::size_t(164 - 1 - 9) * 256 + 7], 77);
-
-    CarSet before = set;
+    const CarSet before = set;
     ASSERT_TRUE(SaveBitmap8(dir / "bad.bmp", BitmapBuffer(256, 165), {}));
-    auto refused = loadTeamLivery(set, 6, dir / "bad.bmp");
-    ASSERT_FALSE(refused);
-    EXPECT_EQ(refused.error().id, MessageId::CouldntLoadBitmap);
+    EXPECT_EQ(loadTeamLivery(set, 6, dir / "bad.bmp").error().id, MessageId::CouldntLoadBitmap);
     EXPECT_EQ(set.liveries[6], before.liveries[6]);
     EXPECT_EQ(set.team(6).carBitmap.status, before.team(6).carBitmap.status);
-    EXPECT_FALSE(loadTeamLivery(set, 14, dir / "car.bmp")) << "only teams 0-13 have liveries";
-
+    EXPECT_FALSE(loadTeamLivery(set, 14, dir / "car.bmp"));
     ASSERT_TRUE(saveTeamLivery(set, 5, dir / "again.bmp", {}));
-    auto again = LoadBitmap8(dir / "again.bmp", 256, 164);
-    ASSERT_TRUE(again);
-    EXPECT_EQ(pixelAt(*again, 7, 9), 77);
+    EXPECT_EQ(pixelAt(*LoadBitmap8(dir / "again.bmp", 256, 164), 7, 9), 77);
 }
 
+// A team's car comes from its game file into a working bitmap (white repaired)
+// and goes back into the scrambled game file; a missing file fails each way.
 TEST(CarSetPictures, TeamCarFromAndIntoTheGame) {
     ScratchFolder game, work;
     writeJamFile(game.path(), 12, 3);
@@ -80,36 +59,26 @@ TEST(CarSetPictures, TeamCarFromAndIntoTheGame) {
     fillDefaultPictures(set);
     GraphicsOptions options;
     ASSERT_TRUE(importTeamCarFromGame(set, 12, game.path(), work.path(), options));
-    const auto working = jamBitmapFile(work.path(), 12);
-    EXPECT_TRUE(std::filesystem::exists(working));
-    EXPECT_EQ(slotPath(set.team(12).carBitmap), working.string());
+    EXPECT_EQ(fieldText(set.team(12).carBitmap.path), jamBitmapFile(work.path(), 12).string());
+    EXPECT_TRUE(std::filesystem::exists(jamBitmapFile(work.path(), 12)));
     EXPECT_EQ(set.team(12).carBitmap.status, kAssetExternal);
-    Bytes plain = makeJamFile(12, 3, false);
-    auto expected = convertJamToBitmap(plain, 12, options);
-    ASSERT_TRUE(expected);
-    auto repaired = decodeBitmap8(encodeBitmap8(*expected, {}), 256, 164);
-    EXPECT_TRUE(std::equal(set.liveries[12].begin(), set.liveries[12].end(), repaired->pixels()));
+    auto repaired = decodeBitmap8(encodeBitmap8(*convertJamToBitmap(makeJamFile(12, 3, false), 12, options), {}), 256, 164);
+    EXPECT_EQ(set.liveries[12], Bytes(repaired->pixels(), repaired->pixels() + kLiveryPixels));
 
-    // Export the default livery into the game's file and read it back.
     fillDefaultPictures(set);
     options.fixStrip = false;
     ASSERT_TRUE(exportTeamCarToGame(set, 12, game.path(), options));
-    auto file = readWholeFile(game / "GAMEJAMS/SIMTEK.JAM");
-    ASSERT_TRUE(file);
-    JamScramble(*file);
-    auto back = convertJamToBitmap(*file, 12, options);
-    ASSERT_TRUE(back);
-    EXPECT_EQ(std::memcmp(back->pixels(), kBuiltinLiveryPixels, back->pixelBytes()), 0);
-
-    auto missing = importTeamCarFromGame(set, 3, game.path(), work.path(), options);
-    ASSERT_FALSE(missing);
-    EXPECT_EQ(missing.error().id, MessageId::FailedToConvertJam);
-    auto notPatched = exportTeamCarToGame(set, 3, game.path(), options);
-    ASSERT_FALSE(notPatched);
-    EXPECT_EQ(notPatched.error().id, MessageId::FailedToPatchJam);
+    Bytes file = readFileBytes(game / "GAMEJAMS/SIMTEK.JAM");
+    JamScramble(file);
+    auto back = convertJamToBitmap(file, 12, options);
+    EXPECT_EQ(Bytes(back->pixels(), back->pixels() + back->pixelBytes()), Bytes(kBuiltinLiveryPixels, kBuiltinLiveryPixels + kLiveryPixels));
+    EXPECT_EQ(importTeamCarFromGame(set, 3, game.path(), work.path(), options).error().id, MessageId::FailedToConvertJam);
+    EXPECT_EQ(exportTeamCarToGame(set, 3, game.path(), options).error().id, MessageId::FailedToPatchJam);
 }
 
-TEST(CarSetPictures, HelmetSheetFromAndIntoTheGame) {
+// The sheet goes into the game's helmet file and comes back helmet by helmet;
+// sheet files load and save, and a failed load keeps the sheet.
+TEST(CarSetPictures, HelmetSheetFromAndIntoTheGameAndFiles) {
     ScratchFolder game, work;
     writeJamFile(game.path(), kHelmetsJam, 8);
     CarSet set;
@@ -117,40 +86,26 @@ TEST(CarSetPictures, HelmetSheetFromAndIntoTheGame) {
     GraphicsOptions options;
     options.fixStrip = false;
     ASSERT_TRUE(exportHelmetsToGame(set, game.path(), options));
-    std::vector<std::uint8_t> defaults = set.helmetSheet;
     set.helmetSheet.assign(kHelmetSheetPixels, 0);
     ASSERT_TRUE(importHelmetsFromGame(set, game.path(), work.path(), options));
     EXPECT_TRUE(std::filesystem::exists(jamBitmapFile(work.path(), 14)));
-    // The fixture's helmet rectangles match the sheet layout: every helmet comes back.
-    BitmapBuffer sheet = helmetSheetBitmap(set);
-    BitmapBuffer original = BuildDefaultHelmetSheet();
+    BitmapBuffer sheet = helmetSheetBitmap(set), original = BuildDefaultHelmetSheet();
     BitmapBuffer a = blankSingleHelmet(), b = blankSingleHelmet();
     for (int n = 0; n < 28; ++n) {
-        ASSERT_TRUE(ExtractHelmet(sheet, n, a));
-        ASSERT_TRUE(ExtractHelmet(original, n, b));
+        ASSERT_TRUE(ExtractHelmet(sheet, n, a) && ExtractHelmet(original, n, b));
         EXPECT_EQ(a.data, b.data) << n;
     }
     ScratchFolder empty;
-    auto failedImport = importHelmetsFromGame(set, empty.path(), work.path(), options);
-    ASSERT_FALSE(failedImport);
-    EXPECT_EQ(failedImport.error().id, MessageId::ImportFailed);
-    auto failedExport = exportHelmetsToGame(set, empty.path(), options);
-    ASSERT_FALSE(failedExport);
-    EXPECT_EQ(failedExport.error().id, MessageId::ExportFailed);
-}
+    EXPECT_EQ(importHelmetsFromGame(set, empty.path(), work.path(), options).error().id, MessageId::ImportFailed);
+    EXPECT_EQ(exportHelmetsToGame(set, empty.path(), options).error().id, MessageId::ExportFailed);
 
-TEST(CarSetPictures, HelmetSheetFiles) {
-    ScratchFolder dir;
-    CarSet set;
-    fillDefaultPictures(set);
-    ASSERT_TRUE(saveHelmetSheetFile(set, dir / "s.bmp", {}));
+    ASSERT_TRUE(saveHelmetSheetFile(set, empty / "s.bmp", {}));
     CarSet other;
     other.helmetSheet.assign(kHelmetSheetPixels, 3);
-    ASSERT_TRUE(loadHelmetSheetFile(other, dir / "s.bmp"));
+    ASSERT_TRUE(loadHelmetSheetFile(other, empty / "s.bmp"));
     EXPECT_EQ(other.helmetSheet, set.helmetSheet);
-    std::vector<std::uint8_t> kept = other.helmetSheet;
-    EXPECT_FALSE(loadHelmetSheetFile(other, dir / "missing.bmp"));
-    EXPECT_EQ(other.helmetSheet, kept);
+    EXPECT_FALSE(loadHelmetSheetFile(other, empty / "missing.bmp"));
+    EXPECT_EQ(other.helmetSheet, set.helmetSheet);
 }
 
 }  // namespace
