@@ -65,9 +65,7 @@ TEST(CarSetDocument, OpenSaveAndResetKeepSetAndStateTogether) {
     std::ofstream(soundFile(dir / "work", 3)) << "temporary";
     resetDocument(document);
     EXPECT_EQ(document.set.teams[2].powerRace, 760);
-    EXPECT_FALSE(document.set.storedItems);
-    EXPECT_FALSE(document.state.hasFile);
-    EXPECT_TRUE(document.state.path.empty());
+    EXPECT_TRUE(!document.set.storedItems && !document.state.hasFile && document.state.path.empty());
     EXPECT_EQ(document.state.currentTeam, 0);
     EXPECT_EQ(document.state.workingFolder, dir / "work");
     EXPECT_FALSE(std::filesystem::exists(soundFile(dir / "work", 3)));
