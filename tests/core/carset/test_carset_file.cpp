@@ -161,23 +161,22 @@ protected:
     Bytes cockpit;
 };
 
-TEST_F(CarSetAssets, ExternalItemsAreReadInTheirStoredForm) {
-    auto items = readAll(set);
-    EXPECT_EQ(items[0].size(), 256u * JamInfo(17).canvasHeight);
-    EXPECT_EQ(items[1].size(), 256u * JamInfo(40).canvasHeight);
-    ASSERT_EQ(items[2].size(), 10816u);
-    EXPECT_EQ(items[2][0], 1 + 5 % 150);     // bottom row first, as the bitmap holds it
-    EXPECT_EQ(items[2][104], 1 + 6 % 150);
-    EXPECT_EQ(items[3], makeWave(5000, 1));  // the bytes behind the RIFF chunk are not part of it
-    EXPECT_EQ(items[4], makeWave(300, 200));
-    EXPECT_EQ(items[5], cockpit);
-    EXPECT_EQ(items[6], Bytes(64, 0xC8));
+// External items are read in their stored form, saved into the file, and read
+// back from it (and from the file it is saved to again) byte for byte.
+TEST_F(CarSetAssets, EveryKindIsStoredAndReadBackByteForByte) {
+    const auto before = readAll(set);
+    EXPECT_EQ(before[0].size(), 256u * JamInfo(17).canvasHeight);
+    EXPECT_EQ(before[1].size(), 256u * JamInfo(40).canvasHeight);
+    ASSERT_EQ(before[2].size(), 10816u);
+    EXPECT_EQ(before[2][0], 1 + 5 % 150);     // bottom row first, as the bitmap holds it
+    EXPECT_EQ(before[2][104], 1 + 6 % 150);
+    EXPECT_EQ(before[3], makeWave(5000, 1));  // the bytes behind the RIFF chunk are not part of it
+    EXPECT_EQ(before[4], makeWave(300, 200));
+    EXPECT_EQ(before[5], cockpit);
+    EXPECT_EQ(before[6], Bytes(64, 0xC8));
     for (auto [kind, slot] : {std::pair{AssetKind::Sound, 1}, {AssetKind::Sound, 100}, {AssetKind::MenuHelmet, 8}})
         EXPECT_FALSE(readAssetBytes(set, kind, slot)) << slot;   // empty slots have no item
-}
 
-TEST_F(CarSetAssets, EveryKindIsStoredAndReadBackByteForByte) {
-    auto before = readAll(set);
     const Bytes file = saved();
     EXPECT_EQ(fingerprint(file), "418173:2234b6ca");
     // The saved set now refers to the new file.
