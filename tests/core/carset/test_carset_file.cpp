@@ -58,25 +58,8 @@ std::string fingerprint(const Bytes& file) {
     return text;
 }
 
-TEST(CarSetFile, SaveAndLoadGiveTheSameSet) {
-    ScratchFolder dir;
-    CarSet original = richSet();
-    ASSERT_TRUE(saveCarSet(original, dir / "a.gp2", checked()));
-    CarSet loaded;
-    ASSERT_TRUE(loadCarSet(loaded, dir / "a.gp2", checked()));
-    test::expectSameStoredData(original, loaded);
-    EXPECT_EQ(loaded.liveries, original.liveries);
-    EXPECT_EQ(loaded.helmetSheet, original.helmetSheet);
-    EXPECT_EQ(fieldText(loaded.teams[0].name), "\xC9quipe 0");   // the unfolded name wins over the folded copy
-    for (int i = 0; i < kTeamSlots; ++i) {
-        EXPECT_EQ(loaded.teams[i].slotIndex, i);
-        EXPECT_EQ(loaded.teams[i].carBitmap.status, i < kRacingTeams ? kAssetStored : kAssetNotStored);
-    }
-    ASSERT_TRUE(loaded.storedItems);
-    EXPECT_EQ(loaded.jamCount + loaded.soundCount + loaded.wheelCount + loaded.cockpitCount, 0);
-}
-
-// Sets that reach every section, written (coded and raw) and pinned.
+// Default sets written coded and raw, pinned (the set with every field and
+// every asset table is pinned below).
 TEST(CarSetFile, WrittenBytesAreUnchanged) {
     struct Case {
         const char* name;
@@ -87,13 +70,10 @@ TEST(CarSetFile, WrittenBytesAreUnchanged) {
     CarSet withInformation;
     withInformation.hasInformation = true;
     withInformation.information = "text";
-    CarSet rich = richSet();
-    rich.liveries[0].assign(kLiveryPixels, 33);
     const Case cases[] = {
         {"default", CarSet{}, true, "49073:82166ff3"},
         {"default, raw", CarSet{}, false, "638723:c3ba941f"},
         {"information", withInformation, true, "49079:b819d57a"},
-        {"every field", rich, true, "309594:9bced294"},
     };
     for (const Case& c : cases) {
         CarSetFileOptions options;
@@ -161,8 +141,9 @@ protected:
     Bytes cockpit;
 };
 
-// External items are read in their stored form, saved into the file, and read
-// back from it (and from the file it is saved to again) byte for byte.
+// A set with every field and every asset table saved and loaded: external
+// items are read in their stored form, saved, and read back (and saved again)
+// byte for byte; the file is pinned.
 TEST_F(CarSetAssets, EveryKindIsStoredAndReadBackByteForByte) {
     const auto before = readAll(set);
     EXPECT_EQ(before[0].size(), 256u * JamInfo(17).canvasHeight);
@@ -189,6 +170,14 @@ TEST_F(CarSetAssets, EveryKindIsStoredAndReadBackByteForByte) {
 
     CarSet loaded;
     ASSERT_TRUE(loadCarSet(loaded, dir / "set.gp2", checked()));
+    test::expectSameStoredData(set, loaded);
+    EXPECT_EQ(loaded.liveries, set.liveries);
+    EXPECT_EQ(loaded.helmetSheet, set.helmetSheet);
+    EXPECT_EQ(fieldText(loaded.teams[0].name), "\xC9quipe 0");   // the unfolded name wins over the folded copy
+    for (int i = 0; i < kTeamSlots; ++i) {
+        EXPECT_EQ(loaded.teams[i].slotIndex, i);
+        EXPECT_EQ(loaded.teams[i].carBitmap.status, i < kRacingTeams ? kAssetStored : kAssetNotStored);
+    }
     EXPECT_EQ(readAll(loaded), before);
     EXPECT_EQ((std::array{loaded.wheelCount, loaded.jamCount, loaded.soundCount, loaded.cockpitCount, loaded.menuHelmetCount}),
               (std::array<std::uint8_t, 5>{1, 1, 2, 2, 2}));
@@ -500,7 +489,6 @@ TEST(CarSetFileOldVersions, Version170) {
     for (int i = 0; i < 15; ++i) f.w.u16(std::uint16_t(1000 + i));
     test::writeFileBytes(dir / "old.gp2", f.finish());
 
-    EXPECT_EQ(checkCarSetFile(dir / "old.gp2", checked()).value_or(0), 170);
     CarSet set;
     ASSERT_EQ(loadCarSet(set, dir / "old.gp2", checked()).value_or(0), 170);
     EXPECT_EQ(fieldText(set.teams[5].name), "Old5");
