@@ -5,6 +5,7 @@
 #include "carset/CarSetFile.h"
 #include "common/FileIO.h"
 
+#include <algorithm>
 #include <iostream>
 #include <iterator>
 #include <optional>
@@ -17,6 +18,16 @@ void printNotices(Context& context, const std::vector<Message>& notices) {
     for (const Message& m : notices) context.err << messageText(m) << "\n";
 }
 
+
+// "line L, column C" of the character at 1-based byte `byte` (one past the
+// end when the text ended too early).
+std::string textPosition(std::string_view text, std::size_t byte) {
+    const std::size_t at = std::min(byte == 0 ? 0 : byte - 1, text.size());
+    const std::size_t lineStart = at == 0 ? std::string_view::npos : text.rfind('\n', at - 1);
+    const auto line = 1 + std::count(text.begin(), text.begin() + std::ptrdiff_t(at), '\n');
+    const std::size_t column = lineStart == std::string_view::npos ? at + 1 : at - lineStart;
+    return "line " + std::to_string(line) + ", column " + std::to_string(column);
+}
 
 int runNew(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 1);
@@ -66,8 +77,14 @@ int runApply(Context& context, const std::vector<std::string>& args) {
         if (!bytes) return failed(context, {MessageId::FileNotFound, patchPath});
         patchText.assign(bytes->begin(), bytes->end());
     }
-    Json patch = Json::parse(patchText, nullptr, false);
-    if (patch.is_discarded() || !patch.is_object()) {
+    Json patch;
+    try {
+        patch = Json::parse(patchText);
+    } catch (const Json::parse_error& error) {
+        return failed(context, {MessageId::NotValidJson, (patchPath == "-" ? std::string("standard input") : patchPath) +
+                                                             ", " + textPosition(patchText, error.byte)});
+    }
+    if (!patch.is_object()) {
         failed(context, {MessageId::CouldntLoadFile, {}});
         context.err << "tarvel-cli: " << patchPath << " is not a JSON object\n";
         return kExitFailed;

@@ -3,47 +3,29 @@
 #include "fixtures/CarSetSamples.h"
 
 #include "carset/CarSet.h"
+#include "common/Checksum.h"
 
 #include <gtest/gtest.h>
+
+#include <cstdio>
 
 namespace tarvel::cli {
 namespace {
 
+// The dump of a default document pinned whole (size and checksum of its text):
+// every key, every array length and every default value; a few values spelt out.
 TEST(CarSetJson, DumpHasTheDocumentedShape) {
-    CarSetDocument setDocument;
-    Json j = carSetToJson(setDocument);
+    Json j = carSetToJson(CarSetDocument{});
+    const std::string text = j.dump();
+    Checksum sum = computeChecksum(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+    char pinned[32];
+    std::snprintf(pinned, sizeof pinned, "%zu:%04x%04x", text.size(), sum.sum, sum.hash);
+    EXPECT_EQ(std::string(pinned), "19393:84e0fe77");
     EXPECT_EQ(j["format"], "tarvel-carset");
-    EXPECT_EQ(j["version"], 1);
-    ASSERT_EQ(j["teams"].size(), 20u);
-    ASSERT_EQ(j["drivers"].size(), 40u);
-    const std::pair<const char*, std::size_t> sizes[] = {{"gameSettings", 11}, {"globalCarSettings", 11},
-                                                         {"cameras", 72},      {"damage", 33},
-                                                         {"points", 26},       {"laps", 16},
-                                                         {"carNumberLayout", 152}};
-    for (auto [name, size] : sizes) EXPECT_EQ(j[name].size(), size) << name;
-    const std::pair<const char*, std::size_t> assets[] = {
-        {"wheels", 4}, {"cockpits", 2}, {"jams", 218}, {"menuHelmets", 36}, {"sounds", 100}};
-    for (auto [name, size] : assets) {
-        EXPECT_EQ(j["assets"][name].size(), size) << name;
-        EXPECT_TRUE(j["counts"].contains(name)) << name;
-        EXPECT_TRUE(j["assets"][name][0].contains("status"));
-        EXPECT_TRUE(j["assets"][name][0].contains("path"));
-    }
-    for (const char* key : {"name", "engine", "powerRace", "powerQual", "failureProbability", "highNose",
-                            "teamBytesA", "teamBytesB", "driver", "disabled", "flagS", "teamOrder", "carBitmap",
-                            "slotIndex"})
-        EXPECT_TRUE(j["teams"][0].contains(key)) << key;
-    EXPECT_EQ(j["teams"][0]["teamBytesB"].size(), 16u);
-    EXPECT_EQ(j["teams"][19]["carBitmap"]["status"], 3);
     EXPECT_EQ(j["teams"][2]["driver"], Json::parse("[5, 6]"));
-    EXPECT_EQ(j["drivers"][0]["number"], 1);
     EXPECT_EQ(j["drivers"][39]["number"], 40);
-    EXPECT_EQ(j["drivers"][27]["name"], "Drivers Name");
     EXPECT_EQ(j["drivers"][28]["name"], "");   // spare drivers start unnamed
-    EXPECT_EQ(j["carNumberLayout"][0], 244);
-    EXPECT_EQ(j["carNumberLayout"][128], 28);
-    for (const char* key : {"path", "hasFile", "dirty", "loadedVersion", "currentTeam"})
-        EXPECT_TRUE(j["document"].contains(key)) << key;
+    EXPECT_EQ(j["assets"]["jams"].size(), 218u);
 }
 
 TEST(CarSetJson, TextIsUtf8AndSignedWordsAreSigned) {
@@ -58,14 +40,9 @@ TEST(CarSetJson, TextIsUtf8AndSignedWordsAreSigned) {
     set.settings.words[0] = 0xFFFF;        // game settings are unsigned
     set.teams[0].teamOrder = -1;
     Json j = carSetToJson(setDocument);
-    EXPECT_EQ(j["teams"][1]["name"], "Ren\xC3\xA9 \xE2\x82\xAC");
-    EXPECT_EQ(j["information"], "\xE2\x80\x9CHi\xE2\x80\x9D");
-    EXPECT_EQ(j["cameras"][0], -5);
-    EXPECT_EQ(j["cameras"][5], -180);
-    EXPECT_EQ(j["cameras"][6], 65535);
-    EXPECT_EQ(j["damage"][0], -1);
-    EXPECT_EQ(j["gameSettings"][0], 65535);
-    EXPECT_EQ(j["teams"][0]["teamOrder"], -1);
+    const Json shown = {j["teams"][1]["name"], j["information"], j["cameras"][0], j["cameras"][5], j["cameras"][6],
+                        j["damage"][0],        j["gameSettings"][0], j["teams"][0]["teamOrder"]};
+    EXPECT_EQ(shown, Json::parse(R"(["Ren\u00e9 \u20ac", "\u201cHi\u201d", -5, -180, 65535, -1, 65535, -1])"));
 }
 
 TEST(CarSetJson, ApplyingADumpToADefaultSetReproducesIt) {

@@ -20,7 +20,6 @@ class CliTest : public CliFixture {
 protected:
     Bytes bytesOf(const std::string& name) { return readWholeFile(at(name)).value_or(Bytes{}); }
     void writeBytes(const std::string& name, const Bytes& data) { ASSERT_TRUE(writeFileAtomically(at(name), data)); }
-
     CarSet loaded(const std::string& name) {
         CarSet set;
         EXPECT_TRUE(loadCarSet(set, at(name), CarSetFileOptions{}));
@@ -29,23 +28,26 @@ protected:
 };
 
 TEST_F(CliTest, UsageErrorsExitWithTwo) {
-    EXPECT_EQ(cli({}).status, kExitUsage);
+    const std::vector<std::string> cases[] = {
+        {},
+        {"--bogus", "new", at("a.GP2")},
+        {"--set", "ClearJam", "new", at("a.GP2")},   // no '='
+        {"new"},
+        {"new", at("a.GP2"), at("b.GP2")},
+        {"check", at("a.GP2"), "-x"},
+        {"convert", at("a.GP2")},
+        {"dump", at("a.GP2"), "-o"},
+    };
+    for (const auto& args : cases) EXPECT_EQ(cli(args).status, kExitUsage) << args.size();
     Outcome unknown = cli({"frobnicate"});
     EXPECT_EQ(unknown.status, kExitUsage);
     EXPECT_NE(unknown.err.find("frobnicate"), std::string::npos);
-    EXPECT_EQ(cli({"--bogus", "new", at("a.GP2")}).status, kExitUsage);
-    EXPECT_EQ(cli({"--set", "ClearJam", "new", at("a.GP2")}).status, kExitUsage);   // no '='
     std::ostringstream out, err;
     EXPECT_EQ(run({"--config"}, out, err), kExitUsage);
     EXPECT_NE(err.str().find("--config"), std::string::npos);
-    EXPECT_EQ(cli({"new"}).status, kExitUsage);
-    EXPECT_EQ(cli({"new", at("a.GP2"), at("b.GP2")}).status, kExitUsage);
-    EXPECT_EQ(cli({"check", at("a.GP2"), "-x"}).status, kExitUsage);
-    EXPECT_EQ(cli({"convert", at("a.GP2")}).status, kExitUsage);
     Outcome noOutput = cli({"apply", at("a.GP2"), at("p.json")});   // -o is required
     EXPECT_EQ(noOutput.status, kExitUsage);
     EXPECT_NE(noOutput.err.find("apply FILE.GP2 PATCH.json -o OUT.GP2"), std::string::npos);
-    EXPECT_EQ(cli({"dump", at("a.GP2"), "-o"}).status, kExitUsage);
     EXPECT_FALSE(fs::exists(at("a.GP2")));
 }
 
@@ -61,55 +63,43 @@ TEST_F(CliTest, HelpForTheToolAndEachCommand) {
     EXPECT_FALSE(fs::exists(at("tarvel32.ini")));   // reading the configuration never writes it
 }
 
-TEST_F(CliTest, NewThenCheckPrintsTheVersion) {
+// What check prints for good and damaged sets, with the checksum setting from
+// the command line and the configuration file.
+TEST_F(CliTest, CheckPrintsTheVersionOrWhyNot) {
     ASSERT_EQ(cli({"new", at("a.GP2")}).status, kExitOk);
-    Outcome check = cli({"check", at("a.GP2")});
-    EXPECT_EQ(check.status, kExitOk);
-    EXPECT_EQ(check.out, "180\n");
-    EXPECT_EQ(check.err, "");
-    CarSet fresh;
-    test::expectSameStoredData(fresh, loaded("a.GP2"));
-}
-
-TEST_F(CliTest, CheckReportsUnreadableFiles) {
-    Outcome missing = cli({"check", at("none.GP2")});
-    EXPECT_EQ(missing.status, kExitFailed);
-    EXPECT_EQ(missing.err, "Couldn't Open Car Set File.\n");
-    EXPECT_EQ(missing.out, "");
-
-    writeBytes("junk.GP2", Bytes(300, 0x41));
-    Outcome junk = cli({"check", at("junk.GP2")});
-    EXPECT_EQ(junk.status, kExitFailed);
-    EXPECT_EQ(junk.err, "File is not a valid Tarvel Car Set.\n");
-}
-
-TEST_F(CliTest, ChecksumSettingComesFromConfigurationAndCommandLine) {
-    ASSERT_EQ(cli({"new", at("a.GP2")}).status, kExitOk);
+    test::expectSameStoredData(CarSet{}, loaded("a.GP2"));
     Bytes data = bytesOf("a.GP2");
-    ASSERT_GT(data.size(), 600u);
     data[500] ^= 0x5A;   // inside the team livery items: the checksum no longer matches
     writeBytes("bad.GP2", data);
-    EXPECT_EQ(cli({"check", at("bad.GP2")}).status, kExitFailed);
-    Outcome unchecked = cli({"--set", "CheckSum=0", "check", at("bad.GP2")});
-    EXPECT_EQ(unchecked.status, kExitOk);
-    EXPECT_EQ(unchecked.out, "180\n");
-
+    data = bytesOf("a.GP2");
+    storeU16(&data[7], 181);
+    writeBytes("new.GP2", data);
+    writeBytes("junk.GP2", Bytes(300, 0x41));
+    const std::string invalid = "File is not a valid Tarvel Car Set.\n";
+    const struct {
+        std::vector<std::string> args;
+        int status;
+        std::string out, err;
+    } cases[] = {
+        {{"check", at("a.GP2")}, kExitOk, "180\n", ""},
+        {{"check", at("none.GP2")}, kExitFailed, "", "Couldn't Open Car Set File.\n"},
+        {{"check", at("junk.GP2")}, kExitFailed, "", invalid},
+        {{"check", at("bad.GP2")}, kExitFailed, "", invalid},
+        {{"--set", "CheckSum=0", "check", at("bad.GP2")}, kExitOk, "180\n", ""},
+        {{"--set", "CheckSum=0", "check", at("new.GP2")}, kExitFailed, "", "This file requires Tarvel v1.81.\n" + invalid},
+    };
+    for (const auto& c : cases) {
+        Outcome o = cli(c.args);
+        EXPECT_EQ(o.status, c.status) << c.args.back();
+        EXPECT_EQ(o.out, c.out) << c.args.back();
+        EXPECT_EQ(o.err, c.err) << c.args.back();
+    }
     std::ofstream(at("tarvel32.ini")) << "[Config]\r\nCheckSum=0\r\n";
     EXPECT_EQ(cli({"check", at("bad.GP2")}).status, kExitOk);
     EXPECT_EQ(cli({"--set", "checksum=1", "check", at("bad.GP2")}).status, kExitFailed);
 }
 
-TEST_F(CliTest, NewerVersionIsNoticedThenRefused) {
-    ASSERT_EQ(cli({"new", at("a.GP2")}).status, kExitOk);
-    Bytes data = bytesOf("a.GP2");
-    storeU16(&data[7], 181);
-    writeBytes("new.GP2", data);
-    Outcome check = cli({"--set", "CheckSum=0", "check", at("new.GP2")});
-    EXPECT_EQ(check.status, kExitFailed);
-    EXPECT_EQ(check.err, "This file requires Tarvel v1.81.\nFile is not a valid Tarvel Car Set.\n");
-}
-
-TEST_F(CliTest, DumpThenApplyGivesTheSameSet) {
+TEST_F(CliTest, DumpThenApplyAndConvertGiveTheSameSet) {
     CarSet original;
     test::scramble(original, 42);
     ASSERT_TRUE(saveCarSet(original, at("orig.GP2"), CarSetFileOptions{}));
@@ -126,11 +116,15 @@ TEST_F(CliTest, DumpThenApplyGivesTheSameSet) {
     Outcome apply = cli({"apply", at("blank.GP2"), at("orig.json"), "-o", at("copy.GP2")});
     ASSERT_EQ(apply.status, kExitOk) << apply.err;
     test::expectSameStoredData(loaded("orig.GP2"), loaded("copy.GP2"));
-
     // The same patch from standard input.
     Outcome piped = cli({"apply", at("blank.GP2"), "-", "-o", at("piped.GP2")}, dump.out);
     ASSERT_EQ(piped.status, kExitOk) << piped.err;
     test::expectSameStoredData(loaded("orig.GP2"), loaded("piped.GP2"));
+
+    EXPECT_EQ(cli({"convert", at("orig.GP2"), at("b.GP2")}).status, kExitOk);
+    test::expectSameStoredData(loaded("orig.GP2"), loaded("b.GP2"));
+    EXPECT_EQ(cli({"convert", at("none.GP2"), at("c.GP2")}).status, kExitFailed);
+    EXPECT_FALSE(fs::exists(at("c.GP2")));
 }
 
 TEST_F(CliTest, DumpSurvivesAFileNameThatIsNotUtf8) {
@@ -141,45 +135,37 @@ TEST_F(CliTest, DumpSurvivesAFileNameThatIsNotUtf8) {
               std::string::npos);
 }
 
-TEST_F(CliTest, ApplyRefusesBadValuesAndWritesNothing) {
+// A refused apply says why in one message and leaves the output as it was.
+TEST_F(CliTest, ApplyRefusesBadPatchesAndWritesNothing) {
     ASSERT_EQ(cli({"new", at("a.GP2")}).status, kExitOk);
     std::ofstream(at("bad.json")) << R"({"teams": [{}, {}, {}, {"name": "Much Too Long Team"}]})";
-    Outcome bad = cli({"apply", at("a.GP2"), at("bad.json"), "-o", at("out.GP2")});
-    EXPECT_EQ(bad.status, kExitFailed);
-    EXPECT_EQ(bad.err, "Invalid value for teams[3].name.\n");
-    EXPECT_FALSE(fs::exists(at("out.GP2")));
-
+    std::ofstream(at("cut.json")) << "{\n  \"teams\": [\n    {\"name\": ";
+    std::ofstream(at("typo.json")) << "{\"teams\": [{}],\n \"laps\": [3,, 4]}";
+    const struct {
+        std::string patch, input, err;
+    } cases[] = {
+        {at("bad.json"), "", "Invalid value for teams[3].name.\n"},
+        {"-", R"({"drivers": [{"gripRace": 65536}]})", "Invalid value for drivers[0].gripRace.\n"},
+        {at("cut.json"), "", "Not Valid JSON - " + at("cut.json") + ", line 3, column 14.\n"},
+        {at("typo.json"), "", "Not Valid JSON - " + at("typo.json") + ", line 2, column 13.\n"},
+        {"-", "{\"teams\": [", "Not Valid JSON - standard input, line 1, column 12.\n"},
+        {"-", "[1]", "Couldn't Load File.\ntarvel-cli: - is not a JSON object\n"},
+        {at("none.json"), "", "File Not Found - " + at("none.json") + ".\n"},
+    };
+    for (const auto& c : cases) {
+        Outcome o = cli({"apply", at("a.GP2"), c.patch, "-o", at("out.GP2")}, c.input);
+        EXPECT_EQ(o.status, kExitFailed) << c.patch << c.input;
+        EXPECT_EQ(o.err, c.err);
+        EXPECT_FALSE(fs::exists(at("out.GP2")));
+    }
     // An existing output stays as it was.
     writeBytes("out.GP2", Bytes{1, 2, 3});
-    Outcome range = cli({"apply", at("a.GP2"), "-", "-o", at("out.GP2")}, R"({"drivers": [{"gripRace": 65536}]})");
-    EXPECT_EQ(range.status, kExitFailed);
-    EXPECT_EQ(range.err, "Invalid value for drivers[0].gripRace.\n");
+    EXPECT_EQ(cli({"apply", at("a.GP2"), at("cut.json"), "-o", at("out.GP2")}).status, kExitFailed);
     EXPECT_EQ(bytesOf("out.GP2"), (Bytes{1, 2, 3}));
-
-    Outcome notJson = cli({"apply", at("a.GP2"), "-", "-o", at("out.GP2")}, "{\"teams\": [");
-    EXPECT_EQ(notJson.status, kExitFailed);
-    EXPECT_EQ(notJson.err.substr(0, notJson.err.find('\n')), "Couldn't Load File.");
-    Outcome noPatch = cli({"apply", at("a.GP2"), at("none.json"), "-o", at("out.GP2")});
-    EXPECT_EQ(noPatch.status, kExitFailed);
-    EXPECT_EQ(noPatch.err, "File Not Found - " + at("none.json") + ".\n");
-    EXPECT_EQ(bytesOf("out.GP2"), (Bytes{1, 2, 3}));
-
     Outcome noSet = cli({"apply", at("none.GP2"), "-", "-o", at("out2.GP2")}, "{}");
     EXPECT_EQ(noSet.status, kExitFailed);
     EXPECT_EQ(noSet.err, "Couldn't Open Car Set File.\n");
     EXPECT_FALSE(fs::exists(at("out2.GP2")));
-}
-
-TEST_F(CliTest, ConvertSavesTheCurrentVersion) {
-    CarSet original;
-    test::scramble(original, 9);
-    ASSERT_TRUE(saveCarSet(original, at("a.GP2"), CarSetFileOptions{}));
-    EXPECT_EQ(cli({"convert", at("a.GP2"), at("b.GP2")}).status, kExitOk);
-    EXPECT_EQ(cli({"check", at("b.GP2")}).out, "180\n");
-    test::expectSameStoredData(loaded("a.GP2"), loaded("b.GP2"));
-    Outcome missing = cli({"convert", at("none.GP2"), at("c.GP2")});
-    EXPECT_EQ(missing.status, kExitFailed);
-    EXPECT_FALSE(fs::exists(at("c.GP2")));
 }
 
 }  // namespace

@@ -33,16 +33,14 @@ protected:
 TEST_F(GameCli, DetectAndStateFile) {
     test::GameFixtureOptions options;
     options.release = 5;
-    std::string dir = game(options);
-    auto detected = cli({"game", "detect", dir});
-    EXPECT_EQ(detected.status, kExitOk);
-    EXPECT_EQ(detected.out, "5 US\n");
+    const std::string dir = game(options);
+    const fs::path state = folder.path() / "game" / "F1GSTATE.SAV";
+    EXPECT_EQ(cli({"game", "detect", dir}).out, "5 US\n");
     EXPECT_EQ(cli({"game", "statefile", dir}).out, "valid\n");
-    test::pokeFile(folder.path() / "game" / "F1GSTATE.SAV", 100, std::array<std::uint8_t, 1>{0xEE});
+    test::pokeFile(state, 100, std::array<std::uint8_t, 1>{0xEE});
     EXPECT_EQ(cli({"game", "statefile", dir}).out, "invalid\n");
-    fs::remove(folder.path() / "game" / "F1GSTATE.SAV");
+    fs::remove(state);
     EXPECT_EQ(cli({"game", "statefile", dir}).out, "absent\n");
-
     fs::remove(folder.path() / "game" / "GP2.EXE");
     auto refused = cli({"game", "detect", dir});
     EXPECT_EQ(refused.status, kExitFailed);
@@ -87,9 +85,9 @@ TEST_F(GameCli, RefusesItemsAndUsage) {
     EXPECT_EQ(cli({"game", "export", dir, in, "-o", out}).status, kExitUsage);
     // A folder without the game says so, whatever the items, before the release is looked at.
     fs::remove(folder.path() / "game" / "GP2.EXE");
-    for (auto args : {std::vector<std::string>{"game", "export", dir, in},
-                      std::vector<std::string>{"game", "export", dir, in, "--dry-run", "--items", "15"},
-                      std::vector<std::string>{"game", "import", dir, in, "-o", out}})
+    for (const std::vector<std::string>& args : {std::vector<std::string>{"game", "export", dir, in},
+                                                 {"game", "export", dir, in, "--dry-run", "--items", "15"},
+                                                 {"game", "import", dir, in, "-o", out}})
         EXPECT_EQ(cli(args).err, "File Not Found - GP2.EXE.\n");
 }
 

@@ -5,6 +5,7 @@
 #include "carset/FieldSchema.h"
 #include "carset/SettingsDefaults.h"
 #include "common/Checksum.h"
+#include "graphics/Helmets.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -284,11 +285,17 @@ Status readBody(CarSet& set, const CarSetFileHandle& file, int version) {
         if (!livery) return fail(livery.error());
         set.liveries[t] = std::move(*livery);
     }
-    e = file.directoryEntry(kEntryHelmetSheet);
-    if (e.count == 0) return invalid();
-    auto sheet = file.readItemAt(e.offset, kHelmetSheetPixels);
-    if (!sheet) return fail(sheet.error());
-    set.helmetSheet = std::move(*sheet);
+    if (version == 160) {
+        // Version 160 keeps no helmet sheet: the set takes the built-in one.
+        BitmapBuffer sheet = BuildDefaultHelmetSheet();
+        set.helmetSheet.assign(sheet.pixels(), sheet.pixels() + kHelmetSheetPixels);
+    } else {
+        e = file.directoryEntry(kEntryHelmetSheet);
+        if (e.count == 0) return invalid();
+        auto sheet = file.readItemAt(e.offset, kHelmetSheetPixels);
+        if (!sheet) return fail(sheet.error());
+        set.helmetSheet = std::move(*sheet);
+    }
 
     set.recountAssets();
     return {};

@@ -92,6 +92,7 @@ constexpr Entry kMessages[] = {
     {M::RestoreBackupQuestion, K::Question, "Put Back the Game Files of Backup %s?"},
     {M::GameFilesRestored, K::Information, "Game Files Restored."},
     {M::BackupAltered, K::Error, "Backup Copy Altered - %s: Nothing Was Restored."},
+    {M::NotValidJson, K::Error, "Not Valid JSON - %s."},
 };
 
 const Entry* find(MessageId id) {

@@ -91,6 +91,7 @@ enum class MessageId : int {
     BackupAltered,
     RestoreBackupQuestion,      // "Put Back the Game Files of Backup %s?"
     GameFilesRestored,
+    NotValidJson,               // "Not Valid JSON - %s."
     Count_
 };
 

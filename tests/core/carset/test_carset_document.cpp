@@ -1,5 +1,5 @@
-// The document: file state around the set, the window title and the
-// save-changes question.
+// The document: file state around the set, the window title, the
+// save-changes question and the working folder.
 #include "carset/CarSetDocument.h"
 #include "carset/DocumentTitle.h"
 #include "carset/WorkingFolder.h"
@@ -65,9 +65,7 @@ TEST(CarSetDocument, OpenSaveAndResetKeepSetAndStateTogether) {
     std::ofstream(soundFile(dir / "work", 3)) << "temporary";
     resetDocument(document);
     EXPECT_EQ(document.set.teams[2].powerRace, 760);
-    EXPECT_FALSE(document.set.storedItems);
-    EXPECT_FALSE(document.state.hasFile);
-    EXPECT_TRUE(document.state.path.empty());
+    EXPECT_TRUE(!document.set.storedItems && !document.state.hasFile && document.state.path.empty());
     EXPECT_EQ(document.state.currentTeam, 0);
     EXPECT_EQ(document.state.workingFolder, dir / "work");
     EXPECT_FALSE(std::filesystem::exists(soundFile(dir / "work", 3)));
@@ -101,6 +99,29 @@ TEST(DocumentTitle, NameAndAssetCounts) {
         EXPECT_EQ(documentTitle(document), c.title);
         EXPECT_EQ(messageText(saveChangesQuestion(document)), c.question);
     }
+}
+
+TEST(WorkingFolder, NameIsTheStartTimeInNineHexDigits) {
+    EXPECT_EQ(workingFolderPath(0x7fffffff).filename().string(), "tarvel-07fffffff");
+    EXPECT_EQ(jamBitmapFile("w", 7).filename().string(), "JAM007.BMP");
+    EXPECT_EQ(menuHelmetFile("w", 3).filename().string(), "MENU03.BMP");
+    EXPECT_EQ(soundFile("w", 42).filename().string(), "WAV42.WAV");
+}
+
+TEST(WorkingFolder, DeletesOnlyTheTemporaryAssetFiles) {
+    std::filesystem::path folder = std::filesystem::temp_directory_path() / ("tarvel-wf-test-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()));
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder);
+    const char* temporary[] = {"TEAM00.BMP", "JAM123.BMP", "WAV07.WAV", "MENU12.BMP", "THEL03.BMP", "TARVEL.TMP"};
+    const char* kept[] = {"TEAM0.BMP", "JAM12.BMP", "JAM1234.BMP", "TEAMAB.BMP", "WAV07.BMP", "notes.txt", "TEAM00.BMPX"};
+    for (const char* name : temporary) std::ofstream(folder / name) << "x";
+    for (const char* name : kept) std::ofstream(folder / name) << "x";
+
+    deleteTemporaryAssetFiles(folder);
+
+    for (const char* name : temporary) EXPECT_FALSE(std::filesystem::exists(folder / name)) << name;
+    for (const char* name : kept) EXPECT_TRUE(std::filesystem::exists(folder / name)) << name;
+    std::filesystem::remove_all(folder);
 }
 
 }  // namespace
