@@ -97,7 +97,9 @@ TEST_F(GameTransfer, ExportWritesTheStateFileOnlyWhenItIsValid) {
         EXPECT_EQ(digest(readFileBytes(exe())), exeDigest);
         EXPECT_EQ(digest(readFileBytes(state())), stateDigest);
         EXPECT_EQ(CheckStateFile(folder.path()), valid);
-        if (!valid) EXPECT_EQ(readFileBytes(state()), stateBefore);
+        if (!valid) {
+            EXPECT_EQ(readFileBytes(state()), stateBefore);
+        }
     }
 }
 
@@ -207,9 +209,15 @@ TEST(TransferItems, TableAndSelection) {
         {158, "JAM Files", "", ""}, {356, "JAM Files", "", ""}};
     for (const auto& [item, label, gameFile, displayName] : rows) {
         const auto& info = transferItemInfo(item);
-        if (!label.empty()) EXPECT_EQ(info.label, label) << item;
-        if (!gameFile.empty()) EXPECT_EQ(info.gameFile, gameFile) << item;
-        if (!displayName.empty()) EXPECT_EQ(info.displayName, displayName) << item;
+        if (!label.empty()) {
+            EXPECT_EQ(info.label, label) << item;
+        }
+        if (!gameFile.empty()) {
+            EXPECT_EQ(info.gameFile, gameFile) << item;
+        }
+        if (!displayName.empty()) {
+            EXPECT_EQ(info.displayName, displayName) << item;
+        }
     }
     for (int item : {0, 1, 14, 15, 16, 43, 44, 47, 48, 51, 158, 356}) EXPECT_TRUE(transferItemAvailable(item)) << item;
     for (int item : {45, 46, 52, 53, 54, 55, 154, 155, 156, 157, -1, 357}) EXPECT_FALSE(transferItemAvailable(item)) << item;

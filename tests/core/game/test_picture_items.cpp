@@ -59,7 +59,9 @@ TEST_F(PictureItems, ImportFillsLiveriesSlotsAndMenuHelmets) {
     for (const auto& [slot, status, name] : slots) {
         EXPECT_EQ(slot->status, status) << name;
         EXPECT_EQ(fs::path(fieldText(slot->path)).filename(), name);
-        if (!name.empty()) EXPECT_TRUE(fs::exists(fieldText(slot->path))) << name;
+        if (!name.empty()) {
+            EXPECT_TRUE(fs::exists(fieldText(slot->path))) << name;
+        }
     }
     EXPECT_EQ((std::array<int, 3>{set.menuHelmetCount, set.wheelCount, set.jamCount}), (std::array<int, 3>{2, 1, 1}));
 }
