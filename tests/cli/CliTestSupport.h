@@ -23,8 +23,18 @@ struct Outcome {
 class CliFixture : public ::testing::Test {
 protected:
     // Exports back up the game; the backups go to the test's own folder.
-    CliFixture() { ::setenv("TARVEL_BACKUPS", at("backups").c_str(), 1); }
-    ~CliFixture() override { ::unsetenv("TARVEL_BACKUPS"); }
+    CliFixture() { setBackupsRoot(at("backups")); }
+    ~CliFixture() override { setBackupsRoot(""); }
+    static void setBackupsRoot(const std::string& folder) {
+#if defined(_WIN32)
+        _putenv_s("TARVEL_BACKUPS", folder.c_str());
+#else
+        if (folder.empty())
+            ::unsetenv("TARVEL_BACKUPS");
+        else
+            ::setenv("TARVEL_BACKUPS", folder.c_str(), 1);
+#endif
+    }
 
     // Runs the tool; `input` is its standard input.
     Outcome cli(std::vector<std::string> args, const std::string& input = {}) {

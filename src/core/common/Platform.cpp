@@ -1,5 +1,6 @@
 #include "common/Platform.h"
 
+#include <algorithm>
 #include <system_error>
 
 #if defined(_WIN32)
