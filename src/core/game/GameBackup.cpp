@@ -5,6 +5,7 @@
 #include "common/Sha256.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -57,28 +58,9 @@ std::string manifestText(const std::vector<BackupEntry>& files) {
 
 // The manifest's entries; false for a missing or damaged manifest.
 bool readManifest(const fs::path& folder, std::vector<BackupEntry>& files) {
-    std::ifstream in(folder / kManifestName, std::ios::binary);
-    std::string line;
-    if (!in || !std::getline(in, line) || line != kManifestHeader) return false;
-    while (std::getline(in, line)) {
-        const std::size_t first = line.find(' ');
-        const std::size_t second = first == std::string::npos ? first : line.find(' ', first + 1);
-        if (second == std::string::npos || second + 1 >= line.size()) return false;
-        BackupEntry entry;
-        const std::string size = line.substr(0, first);
-        char* end = nullptr;
-        entry.size = std::strtoull(size.c_str(), &end, 10);
-        if (size.empty() || *end != '\0') return false;
-        entry.sha256 = line.substr(first + 1, second - first - 1);
-        entry.relative = line.substr(second + 1);
-        // A copy lies inside its backup folder: no absolute paths, no climbing out.
-        const fs::path relative(entry.relative);
-        if (entry.sha256.size() != 64 || relative.is_absolute() ||
-            std::any_of(relative.begin(), relative.end(), [](const fs::path& part) { return part == ".."; }))
-            return false;
-        files.push_back(std::move(entry));
-    }
-    return true;
+    const auto data = readWholeFile(folder / kManifestName);
+    return data && parseBackupManifest(std::string_view(reinterpret_cast<const char*>(data->data()), data->size()),
+                                       files);
 }
 
 void removeOldest(const fs::path& root, const fs::path& gameFolder) {
@@ -88,6 +70,42 @@ void removeOldest(const fs::path& root, const fs::path& gameFolder) {
 }
 
 }  // namespace
+
+bool parseBackupManifest(std::string_view text, std::vector<BackupEntry>& files) {
+    std::vector<BackupEntry> parsed;
+    bool first = true;
+    while (!text.empty()) {
+        const std::size_t end = text.find('\n');
+        if (end == std::string_view::npos) return false;   // every line ends with its newline
+        const std::string_view line = text.substr(0, end);
+        text.remove_prefix(end + 1);
+        if (first) {
+            if (line != kManifestHeader) return false;
+            first = false;
+            continue;
+        }
+        const std::size_t space = line.find(' ');
+        const std::size_t second = space == std::string_view::npos ? space : line.find(' ', space + 1);
+        if (second == std::string_view::npos || second + 1 >= line.size()) return false;
+        BackupEntry entry;
+        const std::string_view size = line.substr(0, space);
+        const auto [at, ec] = std::from_chars(size.data(), size.data() + size.size(), entry.size);
+        if (size.empty() || ec != std::errc() || at != size.data() + size.size()) return false;
+        entry.sha256 = std::string(line.substr(space + 1, second - space - 1));
+        entry.relative = std::string(line.substr(second + 1));
+        // A copy lies inside its backup folder: no absolute paths, no climbing out.
+        const fs::path relative(entry.relative);
+        if (entry.sha256.size() != 64 ||
+            entry.sha256.find_first_not_of("0123456789abcdef") != std::string::npos || relative.is_absolute() ||
+            relative.has_root_name() ||
+            std::any_of(relative.begin(), relative.end(), [](const fs::path& part) { return part == ".."; }))
+            return false;
+        parsed.push_back(std::move(entry));
+    }
+    if (first) return false;
+    files = std::move(parsed);
+    return true;
+}
 
 std::uint64_t GameBackup::totalSize() const {
     std::uint64_t total = 0;

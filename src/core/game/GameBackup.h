@@ -12,6 +12,7 @@
 #include <ctime>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tarvel {
@@ -31,6 +32,10 @@ struct GameBackup {
     std::vector<BackupEntry> files;
     std::uint64_t totalSize() const;
 };
+
+// The entries of a manifest's text; false for a damaged manifest (a bad
+// header, size or hash, or a path that leaves the backup folder).
+bool parseBackupManifest(std::string_view text, std::vector<BackupEntry>& files);
 
 // Where backups live: $TARVEL_BACKUPS when set, else $XDG_DATA_HOME/tarvel/backups,
 // else ~/.local/share/tarvel/backups (%LOCALAPPDATA%\tarvel\backups on Windows).

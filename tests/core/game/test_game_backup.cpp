@@ -98,5 +98,20 @@ TEST_F(GameBackupTest, DamagedOrUnknownBackupsAreRefusedAndNothingIsWritten) {
     EXPECT_EQ(RestoreGameFiles(root(), temp_.path() / "elsewhere", "").error().id, MessageId::NoBackups);
 }
 
+TEST(BackupManifest, TakesWellFormedEntriesOnly) {
+    const std::string hash(64, 'a');
+    std::vector<BackupEntry> files;
+    ASSERT_TRUE(parseBackupManifest("tarvel-backup 1\n12 " + hash + " gamejams/a b.jam\n", files));
+    ASSERT_EQ(files.size(), 1u);
+    EXPECT_EQ(files[0].size, 12u);
+    EXPECT_EQ(files[0].relative, "gamejams/a b.jam");   // a name may hold blanks
+    for (const std::string& damaged : std::vector<std::string>{
+             std::string(), "tarvel-backup 2\n", "tarvel-backup 1", "tarvel-backup 1\n12 " + hash + " x",
+          "tarvel-backup 1\nx " + hash + " a\n", "tarvel-backup 1\n12 " + std::string(63, 'a') + " a\n",
+          "tarvel-backup 1\n12 " + std::string(64, 'G') + " a\n", "tarvel-backup 1\n12 " + hash + " ../a\n",
+          "tarvel-backup 1\n12 " + hash + " /etc/a\n", "tarvel-backup 1\n12 " + hash + "\n"})
+        EXPECT_FALSE(parseBackupManifest(damaged, files)) << damaged;
+}
+
 }  // namespace
 }  // namespace tarvel::test
