@@ -117,8 +117,8 @@ protected:
     TeamPanel& panel() { return window().panel(); }
     const CarSet& set() { return window().document().set(); }
     // Changes the set through the document, as an editor would (the set becomes dirty).
-    void change(const std::function<void(CarSet&)>& edit) {
-        window().document().edit(Document::Everything, [&](CarSet& s) {
+    void change(const std::function<void(CarSet&)>& edit, const std::string& step = "Test edit") {
+        window().document().edit(StepName{step}, Document::Everything, [&](CarSet& s) {
             edit(s);
             return true;
         });

@@ -13,6 +13,12 @@
 #include "carset/CarSetFile.h"
 #include "carset/DocumentTitle.h"
 #include "common/Config.h"
+#include "common/RecentFiles.h"
+
+#include <QDir>
+
+#include <filesystem>
+#include <system_error>
 
 namespace tarvel {
 namespace {
@@ -72,6 +78,38 @@ void openAutofile(Workbench& bench) {
     showInformationIfWanted(bench);
 }
 
+// Opens a recent car set; one that is gone is offered for removal from the list.
+void openRecent(Workbench& bench, const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::exists(toPath(QString::fromStdString(path)), error)) {
+        const Message question{MessageId::RecentFileMissing, path};
+        if (bench.asker.message(&bench.window, question, Buttons::YesNo) == Answer::Yes)
+            bench.session.forgetRecentFile(path);
+        return;
+    }
+    if (!maybeSave(bench)) return;
+    bool loaded = false;
+    {
+        WaitCursor wait;
+        loaded = loadCarSetFile(bench, QString::fromStdString(path));
+    }
+    if (loaded) showInformationIfWanted(bench);
+}
+
+std::vector<MenuEntry> recentEntries(Workbench& bench) {
+    std::vector<MenuEntry> entries;
+    const std::string home = QDir::homePath().toStdString();
+    int number = 0;
+    for (const std::string& path : bench.session.recentFiles) {
+        // "&1 ~/sets/SEASON97.GP2"; an ampersand of the path is doubled so it shows.
+        QString shown = QString::fromStdString(shortenedPath(path, home)).replace("&", "&&");
+        ++number;
+        const QString text = (number < 10 ? "&" + QString::number(number) : QString("1&0")) + " " + shown;
+        entries.push_back({text, [&bench, path] { openRecent(bench, path); }});
+    }
+    return entries;
+}
+
 bool haveAutofile(const Workbench& bench) {
     return bench.document.autofileLive() && !bench.session.config.autoFile.empty();
 }
@@ -85,17 +123,29 @@ void addCarSetCommands(Workbench& bench) {
     auto hasFile = [b] { return b->document.hasFile(); };
 
     r.add({.id = c::NewCarSet, .order = 100, .menu = "&File|&New", .text = "&Car set", .run = [b] { newCarSet(*b); },
-           .icon = QStyle::SP_FileIcon, .shortcut = QKeySequence::New});
+           .icon = QStyle::SP_FileIcon, .key = QKeySequence::New});
     r.add({.id = c::NewEditorWindow, .order = 101, .menu = "&File|&New", .text = "&Editor window",
            .run = [b] { launchEditor(*b, {}); }});
     r.add({.id = c::Open, .order = 102, .menu = "&File|&Open", .text = "&In this window", .run = [b] { openFile(*b); },
-           .icon = QStyle::SP_DialogOpenButton, .shortcut = QKeySequence::Open});
+           .icon = QStyle::SP_DialogOpenButton, .key = QKeySequence::Open});
     r.add({.id = c::OpenInNewWindow, .order = 103, .menu = "&File|&Open", .text = "In &new window",
            .run = [b] { openInNewWindow(*b); }});
     r.add({.id = c::Save, .order = 104, .menu = "&File", .text = "&Save", .run = [b] { saveCarSetFile(*b); },
-           .enabled = hasFile, .icon = QStyle::SP_DialogSaveButton, .shortcut = QKeySequence::Save});
+           .enabled = hasFile, .icon = QStyle::SP_DialogSaveButton, .key = QKeySequence::Save});
     r.add({.id = c::SaveAs, .order = 105, .menu = "&File", .text = "Save &as...",
-           .run = [b] { saveCarSetFileAs(*b); }, .shortcut = QKeySequence::SaveAs});
+           .run = [b] { saveCarSetFileAs(*b); }, .key = QKeySequence::SaveAs});
+
+    r.add({.id = c::RecentCarSets, .order = 106, .menu = "&File", .text = "&Recent Car Sets",
+           .enabled = [b] { return !b->session.recentFiles.empty(); }, .entries = [b] { return recentEntries(*b); }});
+
+    r.add({.id = c::Undo, .order = 196, .menu = "&Edit", .text = "&Undo", .run = [b] { b->document.undo(); },
+           .enabled = [b] { return b->document.history().canUndo(); },
+           .label = [b] { return b->document.history().canUndo() ? "&Undo " + b->document.undoName() : "&Undo"; },
+           .icon = QStyle::SP_ArrowBack, .key = QKeySequence::Undo});
+    r.add({.id = c::Redo, .order = 197, .menu = "&Edit", .text = "&Redo", .run = [b] { b->document.redo(); },
+           .enabled = [b] { return b->document.history().canRedo(); },
+           .label = [b] { return b->document.history().canRedo() ? "&Redo " + b->document.redoName() : "&Redo"; },
+           .icon = QStyle::SP_ArrowForward, .key = QKeySequence::Redo, .shortcut = QKeySequence(Qt::CTRL | Qt::Key_Y)});
 
     r.add({.id = c::AutofileSetAs, .order = 110, .menu = "&File|A&utofile", .text = "&Set as...",
            .separatorBefore = true, .run = [b] { reportConfigWrite(*b, b->document.setOpenFileAsAutofile()); },
@@ -115,7 +165,7 @@ void addCarSetCommands(Workbench& bench) {
     r.add({.id = c::PerformanceLoad, .order = 152, .menu = "&File|&Performance", .text = "&Load"});
     r.add({.id = c::PerformanceSaveAs, .order = 153, .menu = "&File|&Performance", .text = "&Save as..."});
     r.add({.id = c::Exit, .order = 190, .menu = "&File", .text = "E&xit", .separatorBefore = true,
-           .run = [b] { b->window.close(); }, .shortcut = QKeySequence::Quit});
+           .run = [b] { b->window.close(); }, .key = QKeySequence::Quit});
 
     r.add({.id = c::EditInformation, .order = 501, .menu = "&Window", .text = "&Edit car set information"});
     r.add({.id = c::AboutCarSet, .order = 601, .menu = "&Help", .text = "About &car set...", .separatorBefore = true,

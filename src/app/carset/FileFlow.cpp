@@ -9,9 +9,13 @@
 namespace tarvel {
 namespace {
 
+void rememberOpenFile(Workbench& bench) { bench.session.rememberRecentFile(toPath(bench.document.path()).string()); }
+
 bool saveTo(Workbench& bench, const QString& path) {
     WaitCursor wait;
-    return showStatus(bench, bench.document.saveTo(path));
+    if (!showStatus(bench, bench.document.saveTo(path))) return false;
+    rememberOpenFile(bench);
+    return true;
 }
 
 }  // namespace
@@ -20,7 +24,9 @@ bool loadCarSetFile(Workbench& bench, const QString& path) {
     std::vector<Message> notices;
     const Status status = bench.document.load(path, &notices);
     for (const Message& notice : notices) showMessage(bench, notice);
-    return showStatus(bench, status);
+    if (!showStatus(bench, status)) return false;
+    rememberOpenFile(bench);
+    return true;
 }
 
 bool saveCarSetFile(Workbench& bench) {

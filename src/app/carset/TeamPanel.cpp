@@ -45,10 +45,30 @@ const char* const kSpareHeader = " --- SPARE DRIVERS ----------";
 
 }  // namespace
 
+// The step of an edit of the team on show: "Rename team 3"; typing in one
+// field (a merge key) makes one step.
+StepName TeamPanel::teamStep(std::string_view what, std::string_view field) const {
+    const std::string team = std::to_string(bench_.document.currentTeam() + 1);
+    std::string name(what);
+    name += what.starts_with("Rename") && !what.ends_with("engine") ? " team " + team : " of team " + team;
+    return StepName{name, field.empty() ? std::string() : "team " + team + " " + std::string(field)};
+}
+
+StepName TeamPanel::driverStep(std::string_view what, int number, std::string_view field) const {
+    const std::string driver = "driver " + std::to_string(number);
+    return StepName{std::string(what) + " " + driver, field.empty() ? std::string() : driver + " " + std::string(field)};
+}
+
+StepName TeamPanel::gripStep(int which, int number) const {
+    const std::string_view field = rule(gripSpec(which)).caption;
+    const std::string driver = "driver " + std::to_string(number);
+    return StepName{"Change " + std::string(field) + " of " + driver, driver + " " + std::string(field)};
+}
+
 template <class F>
-auto TeamPanel::ownEdit(unsigned what, F&& change) {
+auto TeamPanel::ownEdit(const StepName& step, unsigned what, F&& change) {
     editing_ = true;
-    auto result = bench_.document.edit(what, std::forward<F>(change));
+    auto result = bench_.document.edit(step, what, std::forward<F>(change));
     editing_ = false;
     return result;
 }
@@ -113,7 +133,7 @@ void TeamPanel::buildControls() {
     highNose_->setGeometry(337, 218, 95, 20);
     connect(highNose_, &QCheckBox::toggled, this, [this](bool on) {
         if (updating_) return;
-        ownEdit(Document::Teams, [&](CarSet& set) {
+        ownEdit(teamStep(on ? "Set high nose" : "Clear high nose"), Document::Teams, [&](CarSet& set) {
             set.team(bench_.document.currentTeam()).highNose = on ? 1 : 0;
             return true;
         });
@@ -318,7 +338,7 @@ void TeamPanel::selectTeam(int team) {
 void TeamPanel::teamTextEdited(bool engine, const QString& text) {
     if (updating_) return;
     const int current = bench_.document.currentTeam();
-    ownEdit(Document::Teams, [&](CarSet& set) {
+    ownEdit(teamStep(engine ? "Rename engine" : "Rename", engine ? "engine" : "name"), Document::Teams, [&](CarSet& set) {
         TeamRecord& team = set.team(current);
         setFieldText(engine ? team.engine : team.name, toModel(text));
         return true;
@@ -332,7 +352,8 @@ void TeamPanel::teamTextEdited(bool engine, const QString& text) {
 void TeamPanel::performanceChanged(int which, int value) {
     perfValue_[std::size_t(which)]->setText(QString::number(value));
     if (updating_) return;
-    ownEdit(Document::Teams, [&](CarSet& set) {
+    const std::string_view field = rule(performanceSpec(which)).caption;
+    ownEdit(teamStep("Change " + std::string(field), field), Document::Teams, [&](CarSet& set) {
         return setFieldValue(set, performanceSpec(which), bench_.document.currentTeam(), 0, value);
     });
 }
@@ -341,7 +362,7 @@ void TeamPanel::driverChosen(int car, int listIndex) {
     if (updating_) return;
     const int seat = drivers_[std::size_t(car)].list->itemData(listIndex).toInt();
     if (seat >= 0) {
-        ownEdit(Document::Drivers, [&](CarSet& set) {
+        ownEdit(teamStep("Change driver"), Document::Drivers, [&](CarSet& set) {
             return exchangeSeats(set, Seat{bench_.document.currentTeam(), car}, seatAt(seat));
         });
     }
@@ -355,7 +376,8 @@ void TeamPanel::driverNumberTyped(int car) {
     const int number = ok ? typedDriverNumber(bench_.document.set(), typed) : -1;
     if (number == currentDriverNumber(car)) return;
     const Seat seat{bench_.document.currentTeam(), car};
-    const auto renumbered = ownEdit(Document::Drivers, [&](CarSet& set) { return renumberDriver(set, seat, number); });
+    const auto renumbered = ownEdit(driverStep("Renumber", currentDriverNumber(car)), Document::Drivers,
+                                      [&](CarSet& set) { return renumberDriver(set, seat, number); });
     if (!renumbered) showMessage(bench_, renumbered.error());
     refreshDrivers();
 }
@@ -364,7 +386,7 @@ void TeamPanel::driverNameEdited(int car, const QString& text) {
     if (updating_) return;
     const int number = currentDriverNumber(car);
     if (number < 1 || number > kDriverNumbers) return;
-    ownEdit(Document::Drivers, [&](CarSet& set) {
+    ownEdit(driverStep("Rename", number, "name"), Document::Drivers, [&](CarSet& set) {
         setFieldText(set.driver(number).name, toModel(text));
         return true;
     });
@@ -378,7 +400,8 @@ void TeamPanel::gripBarMoved(int car, int which, int value) {
     if (number < 1 || number > kDriverNumbers) return;
     const auto stored = fromDisplay(rule(gripSpec(which)), value, bench_.session.config.highGrip);
     if (!stored) return;
-    ownEdit(Document::Drivers, [&](CarSet& set) { return setFieldValue(set, gripSpec(which), number, 0, *stored); });
+    ownEdit(gripStep(which, number), Document::Drivers,
+            [&](CarSet& set) { return setFieldValue(set, gripSpec(which), number, 0, *stored); });
 }
 
 void TeamPanel::gripTyped(int car, int which) {
@@ -400,13 +423,14 @@ void TeamPanel::gripTyped(int car, int which) {
         return;
     }
     if (*stored == fieldValue(bench_.document.set(), gripSpec(which), number, 0)) return;
-    ownEdit(Document::Drivers, [&](CarSet& set) { return setFieldValue(set, gripSpec(which), number, 0, *stored); });
+    ownEdit(gripStep(which, number), Document::Drivers,
+            [&](CarSet& set) { return setFieldValue(set, gripSpec(which), number, 0, *stored); });
     refreshDriver(car);
 }
 
 void TeamPanel::flagToggled(int car, bool on) {
     if (updating_) return;
-    ownEdit(Document::Teams, [&](CarSet& set) {
+    ownEdit(teamStep("Change flag"), Document::Teams, [&](CarSet& set) {
         set.team(bench_.document.currentTeam()).flagS[std::size_t(car)] = on ? 1 : 0;
         return true;
     });
@@ -429,7 +453,9 @@ void TeamPanel::toggleDisabled(int car) {
             return;
         }
     }
-    ownEdit(Document::Teams, [&](CarSet& set) {
+    const bool disabling = bench_.document.set().team(current).disabled[std::size_t(car)] == 0;
+    ownEdit(teamStep(std::string(disabling ? "Disable" : "Enable") + " car " + std::to_string(car + 1)), Document::Teams,
+            [&](CarSet& set) {
         std::uint16_t& flag = set.team(current).disabled[std::size_t(car)];
         flag = flag ? 0 : 1;
         return true;
@@ -441,7 +467,8 @@ void TeamPanel::requestTeamMove(int from, int to) {
     if (from == to) return;
     if (bench_.asker.message(window(), Message{MessageId::MoveTeamHere, {}}, Buttons::YesNo) != Answer::Yes) return;
     editing_ = true;
-    const bool moved = bench_.document.edit(Document::Everything, [&](CarSet& set) { return moveTeam(set, from, to); });
+    const StepName step{"Move team " + std::to_string(from + 1) + " to " + std::to_string(to + 1)};
+    const bool moved = bench_.document.edit(step, Document::Everything, [&](CarSet& set) { return moveTeam(set, from, to); });
     if (moved) {
         bench_.document.forgetLivery();
         bench_.document.setCurrentTeam(to);

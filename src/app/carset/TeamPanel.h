@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include <array>
+#include <string_view>
 
 class QCheckBox;
 class QComboBox;
@@ -15,6 +16,8 @@ class QPushButton;
 class QScrollBar;
 
 namespace tarvel {
+
+struct StepName;
 
 class HelmetView;
 class LiveryView;
@@ -99,7 +102,10 @@ private:
     int currentDriverNumber(int car) const;
     // Runs an edit of the panel's own making: the panel redraws what it needs itself.
     template <class F>
-    auto ownEdit(unsigned what, F&& change);
+    auto ownEdit(const StepName& step, unsigned what, F&& change);
+    StepName teamStep(std::string_view what, std::string_view field = {}) const;
+    StepName driverStep(std::string_view what, int number, std::string_view field = {}) const;
+    StepName gripStep(int which, int number) const;
 
     Workbench& bench_;
     bool updating_ = false;   // the controls are being filled from the model

@@ -38,7 +38,7 @@ void importFromGame(Workbench& bench) {
     Status status;
     // The import marks the set dirty once it has read something, even when it
     // then fails; a refused import (a missing game file) leaves it as it was.
-    bench.document.edit(Document::Everything, [&](CarSet& set) {
+    bench.document.edit(StepName{"Import from game"}, Document::Everything, [&](CarSet& set) {
         bool changed = false;
         // The modal progress window keeps every other command away meanwhile.
         ProgressWindow progress("Importing...", &bench.window);

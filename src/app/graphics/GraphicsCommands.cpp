@@ -31,10 +31,11 @@ GraphicsOptions options(const Workbench& bench) { return graphicsOptions(bench.s
 std::filesystem::path gameFolder(const Workbench& bench) { return bench.session.config.gameFolder; }
 
 // Changes the current team's livery, keeping what it was for the Undo button.
-void changeLivery(Workbench& bench, const std::function<Status(CarSet&, int)>& change) {
+void changeLivery(Workbench& bench, std::string_view what, const std::function<Status(CarSet&, int)>& change) {
     bench.document.rememberLivery();
     const int team = bench.document.currentTeam();
-    const Status status = bench.document.edit(Document::Livery, [&](CarSet& set) { return change(set, team); });
+    const StepName step{std::string(what) + " livery of team " + std::to_string(team + 1)};
+    const Status status = bench.document.edit(step, Document::Livery, [&](CarSet& set) { return change(set, team); });
     if (!status) bench.document.forgetLivery();
     showStatus(bench, status);
 }
@@ -42,7 +43,7 @@ void changeLivery(Workbench& bench, const std::function<Status(CarSet&, int)>& c
 void carLoad(Workbench& bench) {
     const QString path = askOpen(bench, "Select New Car");
     if (path.isEmpty()) return;
-    changeLivery(bench, [&](CarSet& set, int team) { return loadTeamLivery(set, team, toPath(path)); });
+    changeLivery(bench, "Load", [&](CarSet& set, int team) { return loadTeamLivery(set, team, toPath(path)); });
 }
 
 void carSaveAs(Workbench& bench) {
@@ -53,7 +54,7 @@ void carSaveAs(Workbench& bench) {
 
 void carImport(Workbench& bench) {
     WaitCursor wait;
-    changeLivery(bench, [&](CarSet& set, int team) {
+    changeLivery(bench, "Import", [&](CarSet& set, int team) {
         return importTeamCarFromGame(set, team, gameFolder(bench), bench.session.workingFolder, options(bench));
     });
 }
@@ -71,7 +72,7 @@ void patchGame(Workbench& bench, const std::function<Status()>& patch) {
 void helmetsLoad(Workbench& bench) {
     const QString path = askOpen(bench, "Load Helmets");
     if (path.isEmpty()) return;
-    showStatus(bench, bench.document.edit(Document::Helmets,
+    showStatus(bench, bench.document.edit(StepName{"Load helmets"}, Document::Helmets,
                                           [&](CarSet& set) { return loadHelmetSheetFile(set, toPath(path)); }));
 }
 
@@ -85,7 +86,7 @@ void helmetsImport(Workbench& bench) {
     Status status;
     {
         WaitCursor wait;
-        status = bench.document.edit(Document::Helmets, [&](CarSet& set) {
+        status = bench.document.edit(StepName{"Import helmets"}, Document::Helmets, [&](CarSet& set) {
             return importHelmetsFromGame(set, gameFolder(bench), bench.session.workingFolder, options(bench));
         });
     }
@@ -100,7 +101,9 @@ void singleHelmetLoad(Workbench& bench, int car) {
     const int helmet = 2 * bench.document.currentTeam() + car;
     BitmapBuffer sheet = helmetSheetBitmap(bench.document.set());
     if (!showStatus(bench, StoreHelmet(sheet, helmet, *single))) return;
-    bench.document.edit(Document::Helmets, [&](CarSet& set) { return setHelmetSheetPixels(set, sheet); });
+    const StepName step{"Load helmet of driver " + std::to_string(car + 1) + " of team " +
+                        std::to_string(bench.document.currentTeam() + 1)};
+    bench.document.edit(step, Document::Helmets, [&](CarSet& set) { return setHelmetSheetPixels(set, sheet); });
 }
 
 void singleHelmetSaveAs(Workbench& bench, int car) {
@@ -154,7 +157,8 @@ void addGraphicsCommands(Workbench& bench) {
     r.add({.id = c::SecondHelmetSaveAs, .order = 137, .menu = "&File|&Helmets|&Second driver", .text = "&Save as...",
            .run = [b] { singleHelmetSaveAs(*b, 1); }});
 
-    r.add({.id = c::CarNumberPositions, .order = 200, .menu = "&Edit", .text = "Car &Number Positions"});
+    r.add({.id = c::CarNumberPositions, .order = 200, .menu = "&Edit", .text = "Car &Number Positions",
+           .separatorBefore = true});
     r.add({.id = c::Wheels, .order = 204, .menu = "&Edit", .text = "&Wheels"});
     r.add({.id = c::DriverMenuHelmets, .order = 205, .menu = "&Edit|&Helmets", .text = "&Driver Menu"});
     r.add({.id = c::FirstHelmetEdit, .order = 206, .menu = "&Edit|&Helmets", .text = "&First driver"});

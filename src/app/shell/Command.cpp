@@ -26,12 +26,12 @@ std::vector<const Command*> CommandRegistry::inMenuOrder() const {
 
 bool CommandRegistry::isEnabled(int id) const {
     const Command* command = find(id);
-    if (!command || !command->run) return false;
+    if (!command || (!command->run && !command->entries)) return false;
     return !command->enabled || command->enabled();
 }
 
 bool CommandRegistry::run(int id) const {
-    if (!isEnabled(id)) return false;
+    if (!isEnabled(id) || !find(id)->run) return false;
     find(id)->run();
     return true;
 }

@@ -6,6 +6,7 @@
 // a handler is a command whose work is not built yet: it is shown disabled.
 
 #include <QKeySequence>
+#include <QList>
 #include <QString>
 #include <QStyle>
 
@@ -15,6 +16,12 @@
 #include <vector>
 
 namespace tarvel {
+
+// One entry of a submenu made when it opens (the recent car sets).
+struct MenuEntry {
+    QString text;
+    std::function<void()> run;
+};
 
 struct Command {
     int id = 0;
@@ -28,7 +35,10 @@ struct Command {
     std::function<QString()> label{};  // a text that changes with the document (else `text`)
     std::function<bool()> available{}; // false: left out of the menu (empty: always there)
     int icon = -1;                    // a QStyle::StandardPixmap; an entry with an icon is on the toolbar
-    QKeySequence shortcut{};
+    QKeySequence::StandardKey key = QKeySequence::UnknownKey;  // the platform's own keys for it
+    QKeySequence shortcut{};                                    // a key of its own, besides those
+    // A submenu whose entries are made each time it opens; `text` names it.
+    std::function<std::vector<MenuEntry>()> entries{};
 };
 
 class CommandRegistry {

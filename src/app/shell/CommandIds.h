@@ -19,6 +19,6 @@ constexpr int NewCarSet = 6000, NewEditorWindow = 6047, Open = 6001, OpenInNewWi
               CreateDosPatch = 6036, CarViewer = 6022, EditInformation = 6025, ProgramConfiguration = 6016,
               Help = 6018, AboutCarSet = 6026, About = 6017, CarPopupView = 1005;
 // Commands of our own, beyond the original menu.
-constexpr int RestoreGameFiles = 6100;
+constexpr int RestoreGameFiles = 6100, Undo = 6101, Redo = 6102, RecentCarSets = 6103;
 
 }  // namespace tarvel::command

@@ -24,9 +24,21 @@ Document::Document(Session& session, QObject* parent)
 
 Document::~Document() = default;
 
-void Document::markChanged(unsigned what) {
-    doc_->state.dirty = true;
-    emit changed(what | File);
+QString Document::undoName() const { return QString::fromStdString(doc_->history.undoName()); }
+QString Document::redoName() const { return QString::fromStdString(doc_->history.redoName()); }
+
+bool Document::undo() {
+    if (!undoDocument(*doc_)) return false;
+    liveryUndo_.reset();
+    emit changed(Everything);
+    return true;
+}
+
+bool Document::redo() {
+    if (!redoDocument(*doc_)) return false;
+    liveryUndo_.reset();
+    emit changed(Everything);
+    return true;
 }
 
 bool Document::hasFile() const { return doc_->state.hasFile; }
@@ -108,10 +120,13 @@ bool Document::canUndoLivery() const { return liveryUndo_ && liveryUndo_->team =
 
 void Document::undoLivery() {
     if (!canUndoLivery()) return;
-    doc_->set.liveries[std::size_t(liveryUndo_->team)] = liveryUndo_->pixels;
-    doc_->set.team(liveryUndo_->team).carBitmap = liveryUndo_->slot;
+    const LiveryUndo previous = std::move(*liveryUndo_);
     liveryUndo_.reset();
-    markChanged(Livery);
+    edit(StepName{"Undo livery of team " + std::to_string(previous.team + 1)}, Livery, [&](CarSet& set) {
+        set.liveries[std::size_t(previous.team)] = previous.pixels;
+        set.team(previous.team).carBitmap = previous.slot;
+        return true;
+    });
 }
 
 }  // namespace tarvel

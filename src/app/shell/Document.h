@@ -1,8 +1,9 @@
 #pragma once
 // The document of one editor window: the car set, the file it came from, its
-// dirty flag, the team on show, the Autofile and the one-step livery undo.
-// Every change to the car set goes through edit(), so the window and every
-// editor stay in step through the changed() signal.
+// dirty flag, the team on show, the undo history, the Autofile and the
+// one-step livery undo of the livery buttons. Every change to the car set goes
+// through edit(), so the window and every editor stay in step through the
+// changed() signal, and every change is one step of the history.
 
 #include "carset/CarSetDocument.h"
 #include "common/Result.h"
@@ -40,17 +41,23 @@ public:
     const CarSet& set() const { return doc_->set; }
     Session& session() const { return session_; }
 
-    // Runs `change` on the car set. When it reports a change (true, or a
-    // successful Status) the set is marked dirty and changed(what | File) is
+    // Runs `change` on the car set as one undoable step named `step`. When it
+    // reports a change (true, a successful Status, a Result<bool> holding
+    // true) the step is kept, the set is dirty and changed(what | File) is
     // emitted. Returns what `change` returned.
     template <class F>
-    auto edit(unsigned what, F&& change) -> std::invoke_result_t<F, CarSet&> {
-        auto result = change(doc_->set);
-        if (succeeded(result)) markChanged(what);
+    auto edit(const StepName& step, unsigned what, F&& change) -> std::invoke_result_t<F, CarSet&> {
+        auto result = editDocument(*doc_, step, std::forward<F>(change));
+        if (reportsChange(result)) emit changed(what | File);
         return result;
     }
-    // Marks the set dirty and tells the views.
-    void markChanged(unsigned what);
+    // The undo history: names of the next steps ("" when none), and taking
+    // one back or doing it again (the team on show follows).
+    QString undoName() const;
+    QString redoName() const;
+    bool undo();
+    bool redo();
+    const EditHistory& history() const { return doc_->history; }
 
     // File state.
     bool hasFile() const;
@@ -91,10 +98,6 @@ signals:
     void changed(unsigned what);
 
 private:
-    static bool succeeded(bool changed) { return changed; }
-    static bool succeeded(const Status& status) { return status.has_value(); }
-    // A Result<bool> tells whether the operation changed anything.
-    static bool succeeded(const Result<bool>& changed) { return changed.has_value() && *changed; }
     void afterFileChange();
 
     struct LiveryUndo {

@@ -13,6 +13,7 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QLayout>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QProcess>
@@ -27,6 +28,14 @@ bool defaultStarter(const QString& program, const QStringList& arguments, const 
 }
 
 QString qText(std::string_view text) { return QString::fromUtf8(text.data(), qsizetype(text.size())); }
+
+// The platform's keys for a standard command, then the command's own key.
+QList<QKeySequence> keysOf(const Command& entry) {
+    QList<QKeySequence> keys;
+    if (entry.key != QKeySequence::UnknownKey) keys = QKeySequence::keyBindings(entry.key);
+    if (!entry.shortcut.isEmpty() && !keys.contains(entry.shortcut)) keys.append(entry.shortcut);
+    return keys;
+}
 
 }  // namespace
 
@@ -89,15 +98,34 @@ void MainWindow::buildMenus() {
     for (const Command* entry : commands_.inMenuOrder()) {
         if (entry->menu.empty() || (entry->available && !entry->available())) continue;
         QMenu* menu = menuFor(entry->menu, entry->separatorBefore);
-        QAction* act = menu->addAction(qText(entry->text));
-        act->setShortcut(entry->shortcut);
         const int id = entry->id;
+        if (entry->entries) {
+            QMenu* submenu = menu->addMenu(qText(entry->text));
+            connect(submenu, &QMenu::aboutToShow, this, [this, submenu, id] { fillSubmenu(submenu, id); });
+            actions_[id] = submenu->menuAction();
+            continue;
+        }
+        QAction* act = menu->addAction(qText(entry->text));
+        act->setShortcuts(keysOf(*entry));
         connect(act, &QAction::triggered, this, [this, id] { runCommand(id); });
         actions_[id] = act;
         if (entry->icon >= 0) {
             act->setIcon(style()->standardIcon(QStyle::StandardPixmap(entry->icon)));
             toolbar->addAction(act);
         }
+    }
+}
+
+void MainWindow::fillSubmenu(QMenu* submenu, int id) {
+    submenu->clear();
+    const Command* entry = commands_.find(id);
+    if (!entry || !entry->entries) return;
+    for (const MenuEntry& item : entry->entries()) {
+        QAction* act = submenu->addAction(item.text);
+        connect(act, &QAction::triggered, this, [this, run = item.run] {
+            run();
+            updateCommandStates();
+        });
     }
 }
 

@@ -13,6 +13,7 @@
 #include <memory>
 
 class QAction;
+class QMenu;
 class QUrl;
 
 namespace tarvel {
@@ -62,6 +63,8 @@ protected:
 
 private:
     void buildMenus();
+    // Fills a submenu whose entries change (the recent car sets) as it opens.
+    void fillSubmenu(QMenu* submenu, int id);
 
     std::unique_ptr<Document> document_;
     CommandRegistry commands_;

@@ -1,6 +1,7 @@
 #include "shell/Session.h"
 
 #include "common/IniFile.h"
+#include "common/RecentFiles.h"
 #include "game/GameVersion.h"
 #include "game/StateFile.h"
 
@@ -13,6 +14,19 @@ void Session::readConfiguration() {
     configFileExisted = std::filesystem::exists(configPath, ec);
     IniFile ini(configPath);
     config = readConfig(ini);
+    recentFiles = readRecentFiles(ini);
+}
+
+void Session::rememberRecentFile(const std::string& path) {
+    recentFiles = withRecentFile(std::move(recentFiles), path);
+    IniFile ini(configPath);
+    writeRecentFiles(ini, recentFiles);
+}
+
+void Session::forgetRecentFile(const std::string& path) {
+    recentFiles = withoutRecentFile(std::move(recentFiles), path);
+    IniFile ini(configPath);
+    writeRecentFiles(ini, recentFiles);
 }
 
 bool Session::writeConfiguration() const {

@@ -7,12 +7,15 @@
 
 #include <ctime>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 namespace tarvel {
 
 struct Session {
     std::filesystem::path configPath;
     Config config;
+    std::vector<std::string> recentFiles;   // newest first
     bool configFileExisted = false;
     int gameVersion = -1;            // -1: unknown release or no game folder
     bool useStateFile = false;       // a valid F1GSTATE.SAV lies in the game folder
@@ -30,6 +33,11 @@ struct Session {
     [[nodiscard]] bool writeGameFolder(const std::string& folder) const;
     [[nodiscard]] bool writeAutoFile(const std::string& path) const;
     [[nodiscard]] bool removeAutoFile() const;
+    // Puts `path` first in the recent car sets, or takes it out, and writes the
+    // list. The list is a convenience: when the configuration file cannot be
+    // written it still holds for this run, and nothing is said.
+    void rememberRecentFile(const std::string& path);
+    void forgetRecentFile(const std::string& path);
 
     // Detects the release of the configured game and whether its state file
     // is valid; -1 without a game folder.

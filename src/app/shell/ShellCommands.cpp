@@ -37,7 +37,7 @@ void addShellCommands(Workbench& bench) {
            .run = [b] { programConfiguration(*b); }, .icon = QStyle::SP_FileDialogDetailedView});
     r.add({.id = c::Help, .order = 600, .menu = "&Help", .text = "&Help",
            .run = [b] { QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(b->session.helpFile.string()))); },
-           .available = [b] { return b->session.helpExists; }, .shortcut = QKeySequence::HelpContents});
+           .available = [b] { return b->session.helpExists; }, .key = QKeySequence::HelpContents});
     r.add({.id = c::About, .order = 602, .menu = "&Help", .text = "&About...", .run = [b] { about(*b); },
            .icon = QStyle::SP_MessageBoxInformation});
 }

@@ -19,6 +19,7 @@ Status openDocument(CarSetDocument& document, const std::filesystem::path& path,
     state.hasFile = true;
     state.dirty = false;
     state.loadedVersion = *version;
+    document.history.clear();
     deleteWorkingFiles(state);
     return {};
 }
@@ -30,6 +31,7 @@ Status saveDocumentAs(CarSetDocument& document, const std::filesystem::path& pat
     state.hasFile = true;
     state.dirty = false;
     state.loadedVersion = carsetfile::kCurrentVersion;
+    document.history.markSaved();
     return {};
 }
 
@@ -47,7 +49,21 @@ void resetDocument(CarSetDocument& document) {
     state.dirty = false;
     state.loadedVersion = carsetfile::kCurrentVersion;
     state.currentTeam = 0;
+    document.history.clear();
     deleteWorkingFiles(state);
 }
+
+namespace {
+bool stepThrough(CarSetDocument& document, int (EditHistory::*step)(CarSet&, int)) {
+    const int team = (document.history.*step)(document.set, document.state.currentTeam);
+    if (team < 0) return false;
+    document.state.currentTeam = team;
+    document.state.dirty = !document.history.atSavedPoint();
+    return true;
+}
+}  // namespace
+
+bool undoDocument(CarSetDocument& document) { return stepThrough(document, &EditHistory::undo); }
+bool redoDocument(CarSetDocument& document) { return stepThrough(document, &EditHistory::redo); }
 
 }  // namespace tarvel

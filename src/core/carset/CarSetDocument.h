@@ -6,12 +6,14 @@
 
 #include "carset/CarSet.h"
 #include "carset/CarSetFile.h"
+#include "carset/EditHistory.h"
 #include "common/Messages.h"
 #include "common/Result.h"
 
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <string>
 #include <vector>
 
 namespace tarvel {
@@ -32,6 +34,14 @@ struct DocumentState {
 struct CarSetDocument {
     CarSet set;
     DocumentState state;
+    EditHistory history;   // dropped on open and reset; a save marks its saved point
+};
+
+// The name of a step of the history, and what lets typing in one field make
+// one step ("" = never merged).
+struct StepName {
+    std::string name;
+    std::string mergeKey = {};
 };
 
 // Loads `path` into the document. A failed load leaves set and state as they
@@ -49,6 +59,30 @@ Status saveDocument(CarSetDocument& document, const CarSetFileOptions& options);
 // A new default set: no file, not dirty, team 0, and the working folder's
 // temporary asset files deleted. The working folder and the transfer selection stay.
 void resetDocument(CarSetDocument& document);
+
+// Whether an edit's outcome says the set changed: true, a successful Status,
+// or a successful Result<bool> holding true.
+inline bool reportsChange(bool changed) { return changed; }
+inline bool reportsChange(const Status& status) { return status.has_value(); }
+inline bool reportsChange(const Result<bool>& changed) { return changed.has_value() && *changed; }
+
+// Runs `change` on the set as one step of the history: when it reports a
+// change the step is kept and the set is dirty. Gives back what `change` gave.
+template <class F>
+auto editDocument(CarSetDocument& document, const StepName& step, F&& change) {
+    CarSetSnapshot before = document.history.capture(document.set, document.state.currentTeam);
+    auto result = change(document.set);
+    if (reportsChange(result)) {
+        document.history.commit(std::move(before), step.name, step.mergeKey);
+        document.state.dirty = true;
+    }
+    return result;
+}
+
+// Undo and redo of one step: the set, the team on show and the dirty flag
+// (clear again at the saved point) follow. False when there was no step.
+bool undoDocument(CarSetDocument& document);
+bool redoDocument(CarSetDocument& document);
 
 // Marks unsaved changes when `changed` is true; gives `changed` back.
 inline bool markChanged(DocumentState& state, bool changed) {

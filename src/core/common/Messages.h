@@ -92,6 +92,7 @@ enum class MessageId : int {
     RestoreBackupQuestion,      // "Put Back the Game Files of Backup %s?"
     GameFilesRestored,
     NotValidJson,               // "Not Valid JSON - %s."
+    RecentFileMissing,          // "Car Set Not Found - %s. Remove It from the Recent Car Sets?"
     Count_
 };
 
