@@ -160,13 +160,13 @@ TEST_F(AppTest, MenuComesFromTheRegistryInItsOrderAndUnbuiltCommandsAreDisabled)
         const QList<QAction*> bar = w.menuBar()->actions();
         EXPECT_EQ(entries(bar), (QStringList{"&File", "&Edit", "&Performance", "&Options", "&Window", "&Help"}));
         EXPECT_EQ(entries(bar[0]->menu()->actions()),
-                  (QStringList{"&New", "&Open", "&Save", "Save &as...", "-", "A&utofile", "-", "&Car", "&Helmets",
+                  (QStringList{"&New", "&Open", "&Save", "Save &as...", "&Recent Car Sets", "-", "A&utofile", "-", "&Car", "&Helmets",
                                "C&ockpit", "&Team", "&Performance", "-", "E&xit"}));
         const QStringList helpMenu = help ? QStringList{"&Help", "-", "About &car set...", "&About..."}
                                           : QStringList{"About &car set...", "&About..."};
         EXPECT_EQ(entries(bar[5]->menu()->actions()), helpMenu);
         for (const Command* entry : w.commands().inMenuOrder()) {
-            if (entry->run || entry->menu.empty()) continue;
+            if (entry->run || entry->entries || entry->menu.empty()) continue;
             QAction* act = w.action(entry->id);
             ASSERT_NE(act, nullptr) << entry->id;
             EXPECT_FALSE(act->isEnabled()) << entry->id;
