@@ -82,11 +82,14 @@ TEST_F(CliTest, CheckPrintsTheVersionOrWhyNot) {
         std::string out, err;
     } cases[] = {
         {{"check", at("a.GP2")}, kExitOk, "180\n", ""},
-        {{"check", at("none.GP2")}, kExitFailed, "", "Couldn't Open Car Set File.\n"},
-        {{"check", at("junk.GP2")}, kExitFailed, "", invalid},
-        {{"check", at("bad.GP2")}, kExitFailed, "", invalid},
+        {{"check", at("none.GP2")}, kExitFailed, "", "Couldn't Open Car Set File.\nnone.GP2: no such file\n"},
+        {{"check", at("junk.GP2")}, kExitFailed, "",
+         invalid + "junk.GP2: not a car set file: it does not start with a car set header\n"},
+        {{"check", at("bad.GP2")}, kExitFailed, "",
+         invalid + "bad.GP2: checksum does not match: the file was changed or damaged\n"},
         {{"--set", "CheckSum=0", "check", at("bad.GP2")}, kExitOk, "180\n", ""},
-        {{"--set", "CheckSum=0", "check", at("new.GP2")}, kExitFailed, "", "This file requires Tarvel v1.81.\n" + invalid},
+        {{"--set", "CheckSum=0", "check", at("new.GP2")}, kExitFailed, "",
+         "This file requires Tarvel v1.81.\n" + invalid + "new.GP2: format version 181 is newer than this program reads\n"},
     };
     for (const auto& c : cases) {
         Outcome o = cli(c.args);
@@ -164,7 +167,7 @@ TEST_F(CliTest, ApplyRefusesBadPatchesAndWritesNothing) {
     EXPECT_EQ(bytesOf("out.GP2"), (Bytes{1, 2, 3}));
     Outcome noSet = cli({"apply", at("none.GP2"), "-", "-o", at("out2.GP2")}, "{}");
     EXPECT_EQ(noSet.status, kExitFailed);
-    EXPECT_EQ(noSet.err, "Couldn't Open Car Set File.\n");
+    EXPECT_EQ(noSet.err, "Couldn't Open Car Set File.\nnone.GP2: no such file\n");
     EXPECT_FALSE(fs::exists(at("out2.GP2")));
 }
 

@@ -29,6 +29,7 @@ enum class SourceFile { Picture, Sound, Whole };
 struct AssetKindInfo {
     AssetKind kind;
     std::string_view jsonName;      // key under "assets" and "counts"
+    std::string_view label;         // in plain words, for messages: "JAM file"
     char titleLetter;               // " - W(%d)" in the window title
     int slotCount;
     int firstSlot;                  // slots below it are never stored (JAM files 0-18)
@@ -62,24 +63,24 @@ constexpr std::string_view kSoundWorkingFile = "WAV%.2d.WAV";
 // In AssetKind order, which is also the order of the window title's counts
 // and of the JSON tables.
 inline constexpr std::array<AssetKindInfo, 5> kAssetKinds{{
-    {AssetKind::Wheel, "wheels", 'W', kWheelSlots, 0, assetkinds::kDirectoryWheels, 0, false, false, false,
+    {AssetKind::Wheel, "wheels", "wheel", 'W', kWheelSlots, 0, assetkinds::kDirectoryWheels, 0, false, false, false,
      ItemLength::JamRows, 15, SourceFile::Picture, assetkinds::kJamWorkingFile, 48, kWheelSlots,
      [](CarSet& s) { return std::span<AssetSlot>(s.wheels); },
      [](const CarSet& s) { return std::span<const AssetSlot>(s.wheels); }, &CarSet::wheelCount},
-    {AssetKind::Cockpit, "cockpits", 'C', kCockpitSlots, 0, assetkinds::kDirectoryCockpits, 0, true, true, false,
+    {AssetKind::Cockpit, "cockpits", "cockpit", 'C', kCockpitSlots, 0, assetkinds::kDirectoryCockpits, 0, true, true, false,
      ItemLength::Any, 0, SourceFile::Whole, "", 45, kCockpitSlots,
      [](CarSet& s) { return std::span<AssetSlot>(s.cockpits); },
      [](const CarSet& s) { return std::span<const AssetSlot>(s.cockpits); }, &CarSet::cockpitCount},
-    {AssetKind::Jam, "jams", 'J', kJamSlots, kFirstUsableJam, assetkinds::kDirectoryJams, 0, false, false, false,
+    {AssetKind::Jam, "jams", "JAM file", 'J', kJamSlots, kFirstUsableJam, assetkinds::kDirectoryJams, 0, false, false, false,
      ItemLength::JamRows, 0, SourceFile::Picture, assetkinds::kJamWorkingFile, 158, kJamSlots - kFirstUsableJam,
      [](CarSet& s) { return std::span<AssetSlot>(s.jams); },
      [](const CarSet& s) { return std::span<const AssetSlot>(s.jams); }, &CarSet::jamCount},
-    {AssetKind::MenuHelmet, "menuHelmets", 'H', kMenuHelmetSlots, 0, assetkinds::kDirectoryMenuHelmets,
+    {AssetKind::MenuHelmet, "menuHelmets", "menu helmet", 'H', kMenuHelmetSlots, 0, assetkinds::kDirectoryMenuHelmets,
      kMenuHelmetSlots, false, false, true, ItemLength::MenuHelmet, 0, SourceFile::Picture,
      assetkinds::kMenuHelmetWorkingFile, 16, 28,
      [](CarSet& s) { return std::span<AssetSlot>(s.menuHelmets); },
      [](const CarSet& s) { return std::span<const AssetSlot>(s.menuHelmets); }, &CarSet::menuHelmetCount},
-    {AssetKind::Sound, "sounds", 'S', kSoundSlots, 0, assetkinds::kDirectorySounds, 0, false, false, false,
+    {AssetKind::Sound, "sounds", "sound", 'S', kSoundSlots, 0, assetkinds::kDirectorySounds, 0, false, false, false,
      ItemLength::Any, 0, SourceFile::Sound, assetkinds::kSoundWorkingFile, 55, kSoundSlots,
      [](CarSet& s) { return std::span<AssetSlot>(s.sounds); },
      [](const CarSet& s) { return std::span<const AssetSlot>(s.sounds); }, &CarSet::soundCount},

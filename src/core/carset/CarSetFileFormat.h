@@ -28,8 +28,25 @@ constexpr SettingsRange kStoredSettings180[] = {
     settings::kDamage, settings::kPoints, settings::kCameras, settings::kLaps, settings::kGame, settings::kGlobalCar,
 };
 
-inline Failure invalid() { return fail(MessageId::NotValidCarSet); }
-inline Failure cannotOpen() { return fail(MessageId::CouldntOpenCarSetFile); }
+// Refusals with the reason in plain words (the file's name is added where the
+// load or check gives up).
+inline Failure invalid(std::string reason) { return fail(Message{MessageId::NotValidCarSet, {}, std::move(reason)}); }
+inline Failure cannotOpen(std::string reason) {
+    return fail(Message{MessageId::CouldntOpenCarSetFile, {}, std::move(reason)});
+}
+inline Failure cannotRead() { return cannotOpen("the file could not be read"); }
+// A read that found the end of the file says where: "the file ends at byte
+// 41,203" becomes "... inside the team and driver block", and "the file ends
+// at byte 100, before byte 417,806" becomes "..., before the settings at byte 417,806".
+std::string endOfFileReason(std::uint64_t fileSize, std::uint64_t readFrom);
+std::string placeEndOfFile(const std::string& reason, std::string_view what);
+template <class T>
+Result<T> inside(Result<T> read, std::string_view what) {
+    if (read) return read;
+    Message message = read.error();
+    message.detail = placeEndOfFile(message.detail, what);
+    return fail(std::move(message));
+}
 
 // The "TARVEL" magic field of a header as text (up to its NUL).
 std::string headerMagic(std::span<const std::uint8_t> header);

@@ -44,11 +44,36 @@ Result<Bytes> readPictureFile(const fs::path& path, int width, int height) {
     return pixels;
 }
 
+std::string itemSizeReason(std::uint64_t offset, std::size_t length, std::size_t expected) {
+    return "the item at byte " + groupedNumber(offset) + " holds " + groupedNumber(length) + " bytes where " +
+           groupedNumber(expected) + " are expected";
+}
+
 int jamRows(int number) { return JamInfo(number).canvasHeight; }
 
 fs::path slotPath(const AssetSlot& slot) { return fs::path(fieldText(slot.path)); }
 
 }  // namespace
+
+namespace {
+constexpr std::string_view kEndsAt = "the file ends at byte ";
+constexpr std::string_view kBeforeByte = ", before byte ";
+}  // namespace
+
+std::string carsetfile::endOfFileReason(std::uint64_t fileSize, std::uint64_t readFrom) {
+    std::string reason = std::string(kEndsAt) + groupedNumber(fileSize);
+    if (readFrom >= fileSize) reason += std::string(kBeforeByte) + groupedNumber(readFrom);
+    return reason;
+}
+
+std::string carsetfile::placeEndOfFile(const std::string& reason, std::string_view what) {
+    // Only the first reader to meet the end names the place.
+    if (!reason.starts_with(kEndsAt) || reason.contains(" inside ") || reason.contains(", before the ")) return reason;
+    const std::size_t before = reason.find(kBeforeByte);
+    if (before == std::string::npos) return reason + " inside " + std::string(what);
+    return reason.substr(0, before) + ", before " + std::string(what) + " at byte " +
+           reason.substr(before + kBeforeByte.size());
+}
 
 std::string carsetfile::headerMagic(std::span<const std::uint8_t> header) {
     std::string s;
@@ -82,16 +107,17 @@ Result<std::shared_ptr<CarSetFileHandle>> CarSetFileHandle::open(const fs::path&
     std::shared_ptr<CarSetFileHandle> handle(new CarSetFileHandle());
     handle->path_ = path;
     std::error_code ec;
-    if (fs::is_directory(path, ec)) return cannotOpen();
+    if (fs::is_directory(path, ec)) return fail(aboutFile(cannotOpen("a folder, not a file").error(), path));
+    if (!fs::exists(path, ec)) return fail(aboutFile(cannotOpen("no such file").error(), path));
     handle->file_.open(path, std::ios::binary);
-    if (!handle->file_) return cannotOpen();
+    if (!handle->file_) return fail(aboutFile(cannotOpen("the file could not be opened for reading").error(), path));
     handle->file_.seekg(0, std::ios::end);
     std::streamoff end = handle->file_.tellg();
-    if (!handle->file_ || end < 0) return cannotOpen();
+    if (!handle->file_ || end < 0) return fail(aboutFile(cannotRead().error(), path));
     handle->size_ = std::uint64_t(end);
     std::size_t headerBytes = std::size_t(std::min<std::uint64_t>(handle->size_, kHeaderSize));
     auto header = handle->readAt(0, headerBytes);
-    if (!header) return cannotOpen();
+    if (!header) return fail(aboutFile(cannotRead().error(), path));
     std::copy(header->begin(), header->end(), handle->header_.begin());
     return handle;
 }
@@ -112,13 +138,13 @@ CarSetFileHandle::DirectoryEntry CarSetFileHandle::directoryEntry(int entryOffse
 }
 
 Result<Bytes> CarSetFileHandle::readAt(std::uint64_t offset, std::size_t length) const {
-    if (offset > size_ || length > size_ - offset) return invalid();
+    if (offset > size_ || length > size_ - offset) return invalid(endOfFileReason(size_, offset));
     Bytes data(length);
     if (length == 0) return data;
     file_.clear();
     file_.seekg(std::streamoff(offset));
     file_.read(reinterpret_cast<char*>(data.data()), std::streamsize(length));
-    if (!file_ || std::size_t(file_.gcount()) != length) return cannotOpen();
+    if (!file_ || std::size_t(file_.gcount()) != length) return cannotRead();
     return data;
 }
 
@@ -127,32 +153,36 @@ Result<Bytes> CarSetFileHandle::readItemAt(std::uint64_t offset, std::size_t exp
     if (!head) return fail(head.error());
     std::uint8_t coded = (*head)[0];
     std::uint32_t length = loadU32(head->data() + 1);
-    if (coded > 1) return invalid();
-    if (coded == 0 && expectedRawLength != 0 && length != expectedRawLength) return invalid();
-    auto stored = readAt(offset + kItemHeaderSize, length);
+    if (coded > 1) return invalid("an item at byte " + groupedNumber(offset) + " has an unknown coding");
+    if (coded == 0 && expectedRawLength != 0 && length != expectedRawLength)
+        return invalid(itemSizeReason(offset, length, expectedRawLength));
+    auto stored = inside(readAt(offset + kItemHeaderSize, length), "the item at byte " + groupedNumber(offset));
     if (!stored) return fail(stored.error());
     if (coded == 0) {
-        if (length > kMaxItemLength) return invalid();
+        if (length > kMaxItemLength) return invalid("an item at byte " + groupedNumber(offset) + " is too long");
         return stored;
     }
     Bytes raw;
     std::size_t limit = expectedRawLength != 0 ? expectedRawLength : kMaxItemLength;
     raw.reserve(expectedRawLength);
-    if (!runLengthDecode(*stored, raw, limit)) return invalid();
-    if (expectedRawLength != 0 && raw.size() != expectedRawLength) return invalid();
+    if (!runLengthDecode(*stored, raw, limit))
+        return invalid("the packed data of the item at byte " + groupedNumber(offset) + " is damaged");
+    if (expectedRawLength != 0 && raw.size() != expectedRawLength)
+        return invalid(itemSizeReason(offset, raw.size(), expectedRawLength));
     return raw;
 }
 
 Result<std::uint64_t> CarSetFileHandle::slotOffset(int directoryEntryOffset, int slot, int mapLength,
                                                    int mapPrefix) const {
     DirectoryEntry e = directoryEntry(directoryEntryOffset);
-    if (e.count == 0 || slot < 0 || slot >= mapLength || mapPrefix < 0) return invalid();
+    if (e.count == 0 || slot < 0 || slot >= mapLength || mapPrefix < 0)
+        return invalid("the file has no item table for slot " + std::to_string(slot));
     std::uint64_t mapAt = std::uint64_t(e.offset) + std::uint64_t(mapPrefix);
-    auto position = readAt(mapAt + std::uint64_t(slot), 1);
+    auto position = inside(readAt(mapAt + std::uint64_t(slot), 1), "an item table");
     if (!position) return fail(position.error());
     int index = (*position)[0];
-    if (index == 0) return invalid();
-    auto entry = readAt(mapAt + std::uint64_t(mapLength) + 4 * std::uint64_t(index - 1), 4);
+    if (index == 0) return invalid("the item table has no item for slot " + std::to_string(slot));
+    auto entry = inside(readAt(mapAt + std::uint64_t(mapLength) + 4 * std::uint64_t(index - 1), 4), "an item table");
     if (!entry) return fail(entry.error());
     return std::uint64_t(loadU32(entry->data()));
 }
@@ -161,7 +191,7 @@ Result<Bytes> CarSetFileHandle::readStoredItem(int directoryEntryOffset, int slo
                                                std::size_t expectedRawLength, int mapPrefix, int itemPrefix) const {
     auto at = slotOffset(directoryEntryOffset, slot, mapLength, mapPrefix);
     if (!at) return fail(at.error());
-    if (itemPrefix < 0) return invalid();
+    if (itemPrefix < 0) return invalid("an item table is damaged");
     return readItemAt(*at + std::uint64_t(itemPrefix), expectedRawLength);
 }
 
@@ -215,7 +245,7 @@ Result<Bytes> readAssetBytes(const CarSet& set, AssetKind kind, int slot) {
         }
         case kAssetStored: {
             const CarSetFileHandle* file = set.storedItems.get();
-            if (!file) return cannotOpen();
+            if (!file) return cannotOpen("the car set file of this item is no longer open");
             return file->readStoredItem(k.directoryEntry, slot, k.slotCount, length, k.mapPrefix,
                                         k.recordBeforeItem ? file->cockpitRecordStoredSize() : 0);
         }

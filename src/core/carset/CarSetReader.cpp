@@ -129,13 +129,14 @@ void readCockpitRecord(std::span<const std::uint8_t> stored, int version,
 // Format check on an open file: header test, then the checksum trailer.
 Result<int> checkOpenFile(const CarSetFileHandle& file, const CarSetFileOptions& options,
                           std::vector<Message>* notices) {
-    if (file.size() < kMagicSize) return invalid();
+    if (file.size() < kMagicSize)
+        return invalid("the file is " + groupedNumber(file.size()) + " bytes long, too short for a car set");
     auto head = file.readAt(0, std::min<std::uint64_t>(file.size(), 9));
-    if (!head) return cannotOpen();
+    if (!head) return fail(head.error());
     std::string magic = headerMagic(*head);
     int version = 0;
     if (magic == kMagic) {
-        if (head->size() < 9) return invalid();
+        if (head->size() < 9) return invalid("the file ends inside its header");
         int stored = loadU16(head->data() + 7);
         if (stored == 160 || stored == 170 || stored == 180) {
             version = stored;
@@ -145,39 +146,39 @@ Result<int> checkOpenFile(const CarSetFileHandle& file, const CarSetFileOptions&
                 std::snprintf(number, sizeof number, "%.2f", stored * 0.01);
                 notices->push_back(Message{MessageId::RequiresNewerVersion, number});
             }
-            return invalid();
+            return invalid("format version " + std::to_string(stored) + " is newer than this program reads");
+        } else {
+            return invalid("unknown format version " + std::to_string(stored));
         }
     } else if (magic == "120" || magic == "set") {
         // The oldest formats (120 and 100) are not read.
-        return invalid();
+        return invalid(std::string("format ") + (magic == "set" ? "100" : "120") + " is too old to be read");
     }
-    if (version == 0) return invalid();
+    if (version == 0) return invalid("not a car set file: it does not start with a car set header");
 
     if (options.verifyChecksum) {
-        if (file.size() < kChecksumTrailerSize) return invalid();
+        if (file.size() < kChecksumTrailerSize) return invalid("the file ends before its checksum");
         std::uint64_t body = file.size() - kChecksumTrailerSize;
         Checksum sum;
         for (std::uint64_t at = 0; at < body;) {
             std::size_t n = std::size_t(std::min<std::uint64_t>(kChecksumChunk, body - at));
             auto chunk = file.readAt(at, n);
-            if (!chunk) return cannotOpen();
+            if (!chunk) return fail(chunk.error());
             sum.update(*chunk);
             at += n;
         }
         auto trailer = file.readAt(body, kChecksumTrailerSize);
-        if (!trailer) return cannotOpen();
+        if (!trailer) return fail(trailer.error());
         Checksum stored;
         readChecksumTrailer(*trailer, stored);
-        if (!(stored == sum)) return invalid();
+        if (!(stored == sum)) return invalid("checksum does not match: the file was changed or damaged");
     }
     return version;
 }
 
 Result<Bytes> readMap(const CarSetFileHandle& file, CarSetFileHandle::DirectoryEntry entry, std::size_t length,
-                      std::size_t prefix = 0) {
-    auto map = file.readAt(std::uint64_t(entry.offset) + prefix, length);
-    if (!map) return invalid();
-    return map;
+                      std::string_view what) {
+    return inside(file.readAt(std::uint64_t(entry.offset), length), what);
 }
 
 // Slots whose map position is non-zero get status 2 and an empty path.
@@ -198,7 +199,7 @@ Status takeStatusMap(std::span<AssetSlot> slots, const Bytes& statuses) {
         } else if (s == kAssetNotStored) {
             slot.status = kAssetNotStored;
         } else if (s != kAssetEmpty) {
-            return invalid();
+            return invalid("menu helmet " + std::to_string(i) + " has an unknown status " + std::to_string(s));
         }
     }
     return {};
@@ -213,8 +214,8 @@ Status readBody(CarSet& set, const CarSetFileHandle& file, int version) {
     if (e.count != 0) {
         std::size_t size = version == 180 ? std::size_t(kSettingsBlockSize)
                            : version == 170 ? kSettingsSize170 : kSettingsSize160;
-        auto bytes = file.readAt(e.offset, size);
-        if (!bytes) return invalid();
+        auto bytes = inside(file.readAt(e.offset, size), "the settings");
+        if (!bytes) return fail(bytes.error());
         ByteReader r(*bytes);
         if (version == 180) readSettingsRanges(r, set.settings, kStoredSettings180, std::size(kStoredSettings180));
         else if (version == 170) readSettings170(r, set.settings);
@@ -226,11 +227,11 @@ Status readBody(CarSet& set, const CarSetFileHandle& file, int version) {
     set.hasInformation = e.count != 0;
     set.information.clear();
     if (set.hasInformation) {
-        auto length = file.readAt(e.offset, 2);
-        if (!length) return invalid();
+        auto length = inside(file.readAt(e.offset, 2), "the information text");
+        if (!length) return fail(length.error());
         std::size_t n = std::min<std::size_t>(loadU16(length->data()), kInformationMax);
-        auto text = file.readAt(std::uint64_t(e.offset) + 2, n);
-        if (!text) return invalid();
+        auto text = inside(file.readAt(std::uint64_t(e.offset) + 2, n), "the information text");
+        if (!text) return fail(text.error());
         set.information.assign(text->begin(), text->end());
     }
 
@@ -246,7 +247,8 @@ Status readBody(CarSet& set, const CarSetFileHandle& file, int version) {
                 for (auto& w : slots) w = AssetSlot{kAssetStored, {}};
             continue;
         }
-        auto map = readMap(file, e, std::size_t(k.slotCount));
+        const std::string table = "the " + std::string(k.label) + " table";
+        auto map = readMap(file, e, std::size_t(k.slotCount), table);
         if (!map) return fail(map.error());
         if (k.statusMap) {
             if (Status taken = takeStatusMap(slots, *map); !taken) return taken;
@@ -256,32 +258,33 @@ Status readBody(CarSet& set, const CarSetFileHandle& file, int version) {
         if (!k.recordBeforeItem) continue;
         for (int i = 0; i < k.slotCount; ++i) {
             if ((*map)[std::size_t(i)] == 0) continue;
-            auto at = file.slotOffset(k.directoryEntry, i, k.slotCount);
+            auto at = inside(file.slotOffset(k.directoryEntry, i, k.slotCount), table);
             if (!at) return fail(at.error());
-            auto record = file.readAt(*at, std::size_t(file.cockpitRecordStoredSize()));
-            if (!record) return invalid();
+            auto record = inside(file.readAt(*at, std::size_t(file.cockpitRecordStoredSize())), "a cockpit colour record");
+            if (!record) return fail(record.error());
             readCockpitRecord(*record, version, set.cockpitRecords[std::size_t(i)]);
         }
     }
 
     // Team and driver block.
     e = file.directoryEntry(kEntryTeams);
-    if (e.count == 0) return invalid();
+    if (e.count == 0) return invalid("the file has no team and driver block");
     {
         std::size_t size = std::size_t(teamBlockSize(sub)) + (version == 170 ? kTrailer170Size : 0);
-        auto block = file.readAt(e.offset, size);
-        if (!block) return invalid();
+        auto block = inside(file.readAt(e.offset, size), "the team and driver block");
+        if (!block) return fail(block.error());
         ByteReader r(*block);
         set.teams.fill(TeamRecord{});
         set.drivers.fill(DriverRecord{});
         readTeamBlock(r, set, sub);
         if (version == 170) readTrailer170(r, set.settings);
-        if (!r.ok()) return invalid();
+        if (!r.ok()) return invalid("the team and driver block is cut short");
     }
 
     // The pictures the set holds in memory.
     for (int t = 0; t < kRacingTeams; ++t) {
-        auto livery = file.readStoredItem(kEntryLiveries, t, kLiveryMapLength, kLiveryPixels);
+        auto livery = inside(file.readStoredItem(kEntryLiveries, t, kLiveryMapLength, kLiveryPixels),
+                             "the livery of team " + std::to_string(t + 1));
         if (!livery) return fail(livery.error());
         set.liveries[t] = std::move(*livery);
     }
@@ -291,8 +294,8 @@ Status readBody(CarSet& set, const CarSetFileHandle& file, int version) {
         set.helmetSheet.assign(sheet.pixels(), sheet.pixels() + kHelmetSheetPixels);
     } else {
         e = file.directoryEntry(kEntryHelmetSheet);
-        if (e.count == 0) return invalid();
-        auto sheet = file.readItemAt(e.offset, kHelmetSheetPixels);
+        if (e.count == 0) return invalid("the file has no helmet sheet");
+        auto sheet = inside(file.readItemAt(e.offset, kHelmetSheetPixels), "the helmet sheet");
         if (!sheet) return fail(sheet.error());
         set.helmetSheet = std::move(*sheet);
     }
@@ -301,24 +304,44 @@ Status readBody(CarSet& set, const CarSetFileHandle& file, int version) {
     return {};
 }
 
+// A file that fails its checksum because it was cut short says so: the reader
+// is run without the checksum to find where it ends.
+Message explainChecksumFailure(const CarSetFileHandle& file, Message failure) {
+    auto version = checkOpenFile(file, CarSetFileOptions{false, false}, nullptr);
+    if (!version) return failure;
+    CarSet scratch{CarSet::WithoutPictures{}};
+    if (Status read = readBody(scratch, file, *version); !read && read.error().detail.starts_with("the file ends"))
+        return read.error();
+    return failure;
+}
+
+Result<int> checkFile(const CarSetFileHandle& file, const fs::path& path, const CarSetFileOptions& options,
+                      std::vector<Message>* notices) {
+    auto version = checkOpenFile(file, options, notices);
+    if (version) return version;
+    Message failure = version.error();
+    if (failure.detail.starts_with("checksum")) failure = explainChecksumFailure(file, std::move(failure));
+    return fail(aboutFile(std::move(failure), path));
+}
+
 }  // namespace
 
 Result<int> checkCarSetFile(const fs::path& path, const CarSetFileOptions& options, std::vector<Message>* notices) {
     auto file = CarSetFileHandle::open(path);
     if (!file) return fail(file.error());
-    return checkOpenFile(**file, options, notices);
+    return checkFile(**file, path, options, notices);
 }
 
 Result<int> loadCarSet(CarSet& set, const fs::path& path, const CarSetFileOptions& options,
                        std::vector<Message>* notices) {
     auto file = CarSetFileHandle::open(path);
     if (!file) return fail(file.error());
-    auto version = checkOpenFile(**file, options, notices);
+    auto version = checkFile(**file, path, options, notices);
     if (!version) return fail(version.error());
 
     // Everything is read into a fresh set; `set` is only touched on success.
     CarSet loaded{CarSet::WithoutPictures{}};
-    if (Status read = readBody(loaded, **file, *version); !read) return fail(read.error());
+    if (Status read = readBody(loaded, **file, *version); !read) return fail(aboutFile(read.error(), path));
 
     for (int i = 0; i < kTeamSlots; ++i) {
         loaded.teams[i].slotIndex = std::uint16_t(i);

@@ -128,4 +128,17 @@ std::string messageText(const Message& message) {
 
 std::string messageText(MessageId id) { return messageText(Message{id, {}}); }
 
+std::string groupedNumber(std::uint64_t value) {
+    std::string digits = std::to_string(value);
+    for (std::size_t at = digits.size(); at > 3; at -= 3) digits.insert(at - 3, ",");
+    return digits;
+}
+
+Message aboutFile(Message message, const std::filesystem::path& file) {
+    const std::string name = file.filename().string();
+    if (message.detail.empty() || message.detail.starts_with(name + ":")) return message;
+    message.detail = name + ": " + message.detail;
+    return message;
+}
+
 }  // namespace tarvel

@@ -4,6 +4,8 @@
 // that the game transfer code leaves behind are fixed by the original program;
 // the rest are ours and only need to stay unique.
 
+#include <cstdint>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -105,6 +107,12 @@ struct Message {
     // as a second line on the command line and the informative text in a window.
     std::string detail{};
 };
+
+// A count as the details write it: "41,203".
+std::string groupedNumber(std::uint64_t value);
+// The message with its detail naming `file`: "NAME: reason" (a detail that
+// already names it is kept).
+Message aboutFile(Message message, const std::filesystem::path& file);
 
 // The text with no argument filled in.
 std::string_view messageTemplate(MessageId id);

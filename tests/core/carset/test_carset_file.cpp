@@ -282,6 +282,12 @@ TEST_F(CarSetAssets, TruncatedFilesAreRefusedAndLeaveTheSetAlone) {
             auto status = loadCarSet(loaded, dir / "cut.gp2", options);
             ASSERT_FALSE(status);
             EXPECT_EQ(status.error().id, MessageId::NotValidCarSet);
+            // The reason names the file and says where it ends (or why it is not a set at all).
+            const std::string& detail = status.error().detail;
+            EXPECT_TRUE(detail.starts_with("cut.gp2: ")) << detail;
+            if (cut >= 9) {
+                EXPECT_TRUE(detail.starts_with("cut.gp2: the file ends at byte " + groupedNumber(cut))) << detail;
+            }
         }
         EXPECT_EQ(loaded.teams[3].powerQual, 4);
         EXPECT_EQ(loaded.storedItems, before.storedItems);
@@ -321,11 +327,19 @@ TEST(CarSetFileCheck, VersionsAndMagic) {
         Bytes file;
         int version;
         const char* notice;
+        const char* reason;   // the detail after "x.gp2: "
     } cases[] = {
-        {good, 180, nullptr},       {version(170), 170, nullptr}, {version(181), 0, "This file requires Tarvel v1.81."},
-        {version(179), 0, nullptr}, {version(150), 0, nullptr},   {version(120), 0, nullptr},
-        {version(0), 0, nullptr},   {magic("120"), 0, nullptr},   {magic("set"), 0, nullptr},
-        {noZero, 0, nullptr},       {Bytes{}, 0, nullptr},        {Bytes{'T', 'A', 'R'}, 0, nullptr},
+        {good, 180, nullptr, ""},
+        {version(170), 170, nullptr, ""},
+        {version(181), 0, "This file requires Tarvel v1.81.", "format version 181 is newer than this program reads"},
+        {version(179), 0, nullptr, "unknown format version 179"},
+        {version(120), 0, nullptr, "unknown format version 120"},
+        {version(0), 0, nullptr, "unknown format version 0"},
+        {magic("120"), 0, nullptr, "format 120 is too old to be read"},
+        {magic("set"), 0, nullptr, "format 100 is too old to be read"},
+        {noZero, 0, nullptr, "not a car set file: it does not start with a car set header"},
+        {Bytes{}, 0, nullptr, "the file is 0 bytes long, too short for a car set"},
+        {Bytes{'T', 'A', 'R'}, 0, nullptr, "the file is 3 bytes long, too short for a car set"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.version << " " << c.file.size());
@@ -335,11 +349,15 @@ TEST(CarSetFileCheck, VersionsAndMagic) {
         EXPECT_EQ(checkedVersion.value_or(0), c.version);
         if (!checkedVersion) {
             EXPECT_EQ(checkedVersion.error().id, MessageId::NotValidCarSet);
+            EXPECT_EQ(checkedVersion.error().detail, std::string("x.gp2: ") + c.reason);
         }
         EXPECT_EQ(notices.size() == 1 ? messageText(notices[0]) : std::to_string(notices.size()), c.notice ? c.notice : "0");
     }
-    EXPECT_EQ(messageText(checkCarSetFile(dir / "none.gp2", checked()).error()), "Couldn't Open Car Set File.");
+    const Message missing = checkCarSetFile(dir / "none.gp2", checked()).error();
+    EXPECT_EQ(messageText(missing), "Couldn't Open Car Set File.");
+    EXPECT_EQ(missing.detail, "none.gp2: no such file");
     EXPECT_EQ(checkCarSetFile(dir.path(), checked()).error().id, MessageId::CouldntOpenCarSetFile);
+    EXPECT_TRUE(checkCarSetFile(dir.path(), checked()).error().detail.ends_with(": a folder, not a file"));
 }
 
 TEST(CarSetFileCheck, ChecksumOption) {
@@ -352,6 +370,7 @@ TEST(CarSetFileCheck, ChecksumOption) {
     auto refused = loadCarSet(set, dir / "x.gp2", checked());
     ASSERT_FALSE(refused);
     EXPECT_EQ(messageText(refused.error()), "File is not a valid Tarvel Car Set.");
+    EXPECT_EQ(refused.error().detail, "x.gp2: checksum does not match: the file was changed or damaged");
     EXPECT_FALSE(set.storedItems);
     ASSERT_TRUE(loadCarSet(set, dir / "x.gp2", unchecked()));
     EXPECT_EQ(set.teams[0].powerRace, 760 ^ 1);
