@@ -45,7 +45,11 @@ int runDetect(Context& context, const std::vector<std::string>& args) {
     auto parsed = parseArguments(args, 1);
     if (!parsed) return usageError(context);
     int version = DetectGameVersion(parsed->positional[0]);
-    if (version < 0) return failed(context, Message{MessageId::UnsupportedVersion, {}});
+    if (version < 0) {
+        // "Unsupported Version." whatever the cause; the detail says which.
+        const auto problem = gameFolderProblem(parsed->positional[0]);
+        return failed(context, Message{MessageId::UnsupportedVersion, {}, problem ? problem->detail : std::string()});
+    }
     context.out << version << " " << kGameReleases[std::size_t(version)].tag << "\n";
     return kExitOk;
 }
@@ -75,9 +79,8 @@ std::optional<int> prepare(Context& context, const Arguments& parsed, TransferRu
     game.gameFolder = parsed.positional[0];
     game.options = context.config;
     // A folder without the game says so before anything else is looked at.
-    if (!findGameFile(game.gameFolder, "GP2.EXE")) return failed(context, Message{MessageId::FileNotFound, "GP2.EXE"});
+    if (auto problem = gameFolderProblem(game.gameFolder)) return failed(context, *problem);
     game.version = DetectGameVersion(game.gameFolder);
-    if (game.version < 0) return failed(context, Message{MessageId::UnsupportedVersion, {}});
     run.document = loadSet(context, parsed.positional[1]);
     if (!run.document) return kExitFailed;
     DocumentState& state = run.document->state;

@@ -276,9 +276,17 @@ TEST_F(EditingTest, LaunchRunsTheGameOrTheConfiguredCommandInTheGameFolder) {
     ASSERT_EQ(started[1].arguments.size(), 2);
     EXPECT_TRUE(started[1].arguments[0].endsWith("GP2.EXE"));
     EXPECT_EQ(started[1].arguments[1], "-exit");
+    // A failed start says which program; without a launch command, how to set one.
     startSucceeds = false;
-    window().runCommand(command::LaunchGame);
-    EXPECT_EQ(asker.lastText(), "Failed to Start GP2.");
+    for (const std::string command : {"dosbox \"%s\"", ""}) {
+        session.config.launchCommand = command;
+        window().runCommand(command::LaunchGame);
+        EXPECT_EQ(asker.lastText(), "Failed to Start GP2.");
+        EXPECT_TRUE(asker.details.back().starts_with("Couldn't start ")) << asker.details.back();
+#ifndef _WIN32
+        EXPECT_EQ(asker.details.back().contains("Launch Command in Window > Program configuration"), command.empty());
+#endif
+    }
 }
 
 }  // namespace

@@ -67,19 +67,27 @@ TEST_F(AppTest, ConfigurationDialogChecksTheExecutable) {
         bool accepted;
         MessageId shown;   // None: no message
         int version;
+        std::string problem;   // what the dialog says of the typed game as it is typed ("" none)
     };
     const Case cases[] = {
-        {game + "gp2.exe", true, MessageId::None, 2},
-        {(folder() / "GAME.EXE").string(), false, MessageId::LocateGp2Exe, 2},
-        {(folder() / "nothere" / "GP2.EXE").string(), false, MessageId::LocateGp2Exe, 2},
-        {(folder() / "bad" / "GP2.EXE").string(), true, MessageId::UnsupportedVersion, -1},
+        {game + "gp2.exe", true, MessageId::None, 2, ""},
+        {(folder() / "GAME.EXE").string(), false, MessageId::LocateGp2Exe, 2, "Name the game's GP2.EXE, or use Browse..."},
+        {(folder() / "nothere" / "GP2.EXE").string(), false, MessageId::LocateGp2Exe, 2,
+         "Name the game's GP2.EXE, or use Browse..."},
+        {(folder() / "bad" / "GP2.EXE").string(), true, MessageId::UnsupportedVersion, -1,
+         "GP2.EXE: 7 bytes, shorter than any release (5,702,937 bytes)"},
     };
     session.readConfiguration();
     for (const Case& c : cases) {
         asker.ids.clear();
         ConfigDialog dialog(session, asker);
         dialog.exeField()->setText(QString::fromStdString(c.typed));
+        EXPECT_EQ(dialog.gameProblem()->isVisibleTo(&dialog), !c.problem.empty()) << c.typed;
+        EXPECT_EQ(dialog.gameProblem()->text().toStdString(), c.problem.empty() ? dialog.gameProblem()->text().toStdString() : c.problem);
         dialog.accept();
+        if (c.shown == MessageId::UnsupportedVersion) {
+            EXPECT_EQ(asker.details.back(), c.problem);
+        }
         EXPECT_EQ(dialog.result() == QDialog::Accepted, c.accepted) << c.typed;
         EXPECT_EQ(asker.ids, c.shown == MessageId::None ? std::vector<MessageId>{} : std::vector<MessageId>{c.shown});
         EXPECT_EQ(session.gameVersion, c.version) << c.typed;

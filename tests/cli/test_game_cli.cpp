@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include <algorithm>
 #include <filesystem>
 #include <map>
@@ -44,7 +46,10 @@ TEST_F(GameCli, DetectAndStateFile) {
     fs::remove(folder.path() / "game" / "GP2.EXE");
     auto refused = cli({"game", "detect", dir});
     EXPECT_EQ(refused.status, kExitFailed);
-    EXPECT_EQ(refused.err, "Unsupported Version.\n");
+    EXPECT_EQ(refused.err, "Unsupported Version.\nNo GP2.EXE in " + dir + "\n");
+    std::ofstream(folder.path() / "game" / "GP2.EXE") << "short";
+    EXPECT_EQ(cli({"game", "detect", dir}).err,
+              "Unsupported Version.\nGP2.EXE: 5 bytes, shorter than any release (5,702,937 bytes)\n");
     EXPECT_EQ(cli({"game", "detect"}).status, kExitUsage);
 }
 
@@ -88,7 +93,7 @@ TEST_F(GameCli, RefusesItemsAndUsage) {
     for (const std::vector<std::string>& args : {std::vector<std::string>{"game", "export", dir, in},
                                                  {"game", "export", dir, in, "--dry-run", "--items", "15"},
                                                  {"game", "import", dir, in, "-o", out}})
-        EXPECT_EQ(cli(args).err, "File Not Found - GP2.EXE.\n");
+        EXPECT_EQ(cli(args).err, "File Not Found - GP2.EXE.\nNo GP2.EXE in " + dir + "\n");
 }
 
 // Every file below a folder with its bytes.

@@ -72,13 +72,24 @@ void launchGame(Workbench& bench) {
     const QString line = QString::fromStdString(gameLaunchCommandLine(session.config.launchCommand, exe));
     QStringList parts = QProcess::splitCommand(line);
     std::error_code ec;
-    if (parts.isEmpty() || !std::filesystem::is_directory(folder, ec)) {
-        showMessage(bench, Message{MessageId::FailedToStartGp2, {}});
+    if (!std::filesystem::is_directory(folder, ec)) {
+        showMessage(bench, Message{MessageId::FailedToStartGp2, {}, "No folder " + folder.string()});
+        return;
+    }
+    if (parts.isEmpty()) {
+        showMessage(bench, Message{MessageId::FailedToStartGp2, {}, "The Launch Command is empty."});
         return;
     }
     const QString program = parts.takeFirst();
-    if (!bench.window.startProcess(program, parts, QString::fromStdString(folder.string())))
-        showMessage(bench, Message{MessageId::FailedToStartGp2, {}});
+    if (bench.window.startProcess(program, parts, QString::fromStdString(folder.string()))) return;
+    std::string reason = "Couldn't start " + program.toStdString() + ".";
+#ifndef _WIN32
+    // GP2.EXE is a DOS program: elsewhere than on Windows it runs in an emulator.
+    if (session.config.launchCommand.empty())
+        reason += " GP2.EXE is a DOS program: set the Launch Command in Window > Program configuration"
+                  " to an emulator, for example dosbox \"%s\" (%s is GP2.EXE).";
+#endif
+    showMessage(bench, Message{MessageId::FailedToStartGp2, {}, reason});
 }
 
 }  // namespace

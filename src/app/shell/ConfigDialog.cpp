@@ -6,6 +6,7 @@
 #include "carset/GripForm.h"
 
 #include "game/GameLocation.h"
+#include "game/GameVersion.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -20,6 +21,7 @@
 #include <QVBoxLayout>
 
 #include <array>
+#include <optional>
 
 namespace tarvel {
 namespace {
@@ -59,6 +61,17 @@ ConfigDialog::ConfigDialog(Session& session, Asker& asker, QWidget* parent)
     connect(browseButton, &QPushButton::clicked, this, &ConfigDialog::browse);
     exeRow->addWidget(exe_);
     exeRow->addWidget(browseButton);
+    auto* exeRows = new QVBoxLayout;
+    exeRows->addLayout(exeRow);
+    // Why the named game cannot be used, while it cannot.
+    problem_ = new QLabel(exeGroup);
+    problem_->setWordWrap(true);
+    problem_->setStyleSheet("color: #b00000;");
+    exeRows->addWidget(problem_);
+    delete exeGroup->layout();
+    exeGroup->setLayout(exeRows);
+    connect(exe_, &QLineEdit::textChanged, this, &ConfigDialog::showGameProblem);
+    showGameProblem(exe_->text());
     layout->addWidget(exeGroup);
 
     auto* options = new QGroupBox("Options", this);
@@ -116,6 +129,17 @@ QCheckBox* ConfigDialog::box(const QString& caption) const {
     return nullptr;
 }
 
+void ConfigDialog::showGameProblem(const QString& executable) {
+    const auto folder = gameFolderFromExecutable(executable.toStdString());
+    std::optional<Message> problem;
+    if (!folder)
+        problem = Message{MessageId::LocateGp2Exe, {}, "Name the game's GP2.EXE, or use Browse..."};
+    else
+        problem = gameFolderProblem(*folder);
+    problem_->setVisible(problem.has_value());
+    if (problem) problem_->setText(QString::fromStdString(problem->detail));
+}
+
 void ConfigDialog::showMosaic(int value) { mosaicValue_->setText(value == 0 ? QString("OFF") : QString::number(value)); }
 
 void ConfigDialog::browse() {
@@ -144,7 +168,10 @@ void ConfigDialog::accept() {
     config.mosaic = mosaic_->value();
     config.launchCommand = launch_->text().toStdString();
     session_.detectGame();
-    if (!session_.gameKnown()) asker_.message(this, Message{MessageId::UnsupportedVersion, {}});
+    if (!session_.gameKnown()) {
+        const auto problem = gameFolderProblem(session_.config.gameFolder);
+        asker_.message(this, Message{MessageId::UnsupportedVersion, {}, problem ? problem->detail : std::string()});
+    }
     reportWrite(session_.writeConfiguration());
     QDialog::accept();
 }

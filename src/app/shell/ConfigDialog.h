@@ -28,6 +28,8 @@ public:
     QSlider* mosaic() const { return mosaic_; }
     QLabel* mosaicValue() const { return mosaicValue_; }
     QLineEdit* launchField() const { return launch_; }
+    // Why the named game cannot be used; hidden when it can.
+    QLabel* gameProblem() const { return problem_; }
 
 public slots:
     void accept() override;
@@ -36,12 +38,14 @@ public slots:
 
 private:
     void showMosaic(int value);
+    void showGameProblem(const QString& executable);
     void reportWrite(bool written);
 
     Session& session_;
     Asker& asker_;
     std::string rememberedFolder_;
     QLineEdit* exe_;
+    QLabel* problem_;
     QList<QCheckBox*> boxes_;
     QRadioButton* lowGrip_;
     QRadioButton* highGrip_;

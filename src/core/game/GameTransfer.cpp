@@ -198,7 +198,9 @@ Status checkGameFiles(const TransferSelection& items, const GameContext& context
         TransferItemInfo info = transferItemInfo(item);
         if (info.gameFile.empty()) continue;
         auto path = findGameFile(context.gameFolder, info.gameFile);
-        if (!path) return fail(MessageId::FileNotFound, info.displayName);
+        if (!path)
+            return fail(Message{MessageId::FileNotFound, std::string(info.displayName),
+                                std::string(info.gameFile) + " is not in " + context.gameFolder.string()});
         (void)clearReadOnly(*path);   // each writer clears it again and fails if it cannot
     }
     return {};
@@ -207,8 +209,10 @@ Status checkGameFiles(const TransferSelection& items, const GameContext& context
 // The game itself first (a folder without GP2.EXE says so, whatever the
 // items), then its release, then every selected item's file.
 Status checkGame(const TransferSelection& items, const GameContext& context) {
-    if (!findGameFile(context.gameFolder, kExecutableName)) return fail(MessageId::FileNotFound, kExecutableName);
-    if (context.version < 0 || context.version >= kGameReleaseCount) return fail(MessageId::UnsupportedVersion);
+    if (!findGameFile(context.gameFolder, kExecutableName) || context.version < 0 || context.version >= kGameReleaseCount) {
+        if (auto problem = gameFolderProblem(context.gameFolder)) return fail(*problem);
+        return fail(MessageId::UnsupportedVersion);
+    }
     return checkGameFiles(items, context);
 }
 

@@ -24,6 +24,25 @@ int detectGameVersionOfFile(const std::filesystem::path& exePath) {
     return -1;
 }
 
+std::optional<Message> gameFolderProblem(const std::filesystem::path& gameFolder) {
+    const std::string folder = gameFolder.string();
+    if (folder.empty()) return Message{MessageId::FileNotFound, "GP2.EXE", "No game folder is set"};
+    std::error_code error;
+    if (!std::filesystem::is_directory(gameFolder, error)) return Message{MessageId::FileNotFound, "GP2.EXE", "No folder " + folder};
+    auto exe = findGameFile(gameFolder, "GP2.EXE");
+    if (!exe) return Message{MessageId::FileNotFound, "GP2.EXE", "No GP2.EXE in " + folder};
+    if (detectGameVersionOfFile(*exe) >= 0) return std::nullopt;
+    const auto size = std::filesystem::file_size(*exe, error);
+    std::string reason;
+    if (error)
+        reason = "the file could not be read";
+    else if (size < kMinimumGameExeSize)
+        reason = groupedNumber(size) + " bytes, shorter than any release (" + groupedNumber(kGameExeSize) + " bytes)";
+    else
+        reason = "not one of the seven releases this program knows (no release tag at their places)";
+    return Message{MessageId::UnsupportedVersion, {}, exe->filename().string() + ": " + reason};
+}
+
 int DetectGameVersion(const std::filesystem::path& gameFolder) {
     auto exe = findGameFile(gameFolder, "GP2.EXE");
     if (!exe) return -1;

@@ -2,9 +2,12 @@
 // The seven recognised releases of GP2.EXE and the offsets of the data tables
 // inside each of them.
 
+#include "common/Messages.h"
+
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string_view>
 
 namespace tarvel {
@@ -71,6 +74,11 @@ constexpr std::uint32_t kEngineNamesInBlock = 1220;
 constexpr std::uint32_t gameTableOffset(GameTable table, int version) {
     return kGameTableOffsets[std::size_t(table)][std::size_t(version)];
 }
+
+// Why a folder holds no game this program can use, in words for the user:
+// the exact refusal ("File Not Found - GP2.EXE." or "Unsupported Version.")
+// with its detail ("No GP2.EXE in /games/gp2"); nothing when the release is known.
+std::optional<Message> gameFolderProblem(const std::filesystem::path& gameFolder);
 
 // 0-6 for a recognised GP2.EXE in the folder, -1 otherwise (missing,
 // unreadable, too short or no tag).
