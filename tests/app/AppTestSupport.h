@@ -20,12 +20,18 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace tarvel::test {
+
+inline std::string readText(const std::filesystem::path& path) {
+    std::ifstream in(path);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
 
 class ScriptedAsker : public Asker {
 public:
@@ -50,6 +56,11 @@ public:
     Answer text(QWidget*, MessageKind, const QString& body, Buttons buttons) override {
         texts.push_back(body.toStdString());
         return next(buttons);
+    }
+    bool checkDontAskAgain = false;      // what the user does with "Don't ask again"
+    Answer confirm(QWidget* parent, const Message& m, bool& dontAskAgain) override {
+        dontAskAgain = checkDontAskAgain;
+        return message(parent, m, Buttons::YesNo);
     }
     QString openFile(QWidget*, const QString& title, const QString&) override { return nextFile(title); }
     QString saveFile(QWidget*, const QString& title, const QString&, const QString&) override {

@@ -16,6 +16,7 @@
 #include "carset/WorkingFolder.h"
 
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTreeWidget>
 #include <QTest>
 #include <QTimer>
@@ -100,9 +101,47 @@ TEST_F(GameCommandsTest, ExportAbortedFromTheProgressWindow) {
         if (auto* progress = qobject_cast<ProgressWindow*>(QApplication::activeModalWidget()))
             QTest::keyClick(progress, Qt::Key_Escape);
     });
+    asker.answers.push_back(Answer::Yes);
     window().runCommand(command::ExportToGame);
-    ASSERT_FALSE(asker.ids.empty());
-    EXPECT_EQ(asker.ids.front(), MessageId::ExportAborted);
+    EXPECT_EQ(asker.ids, (std::vector<MessageId>{MessageId::ExportQuestion, MessageId::ExportAborted}));
+}
+
+TEST_F(GameCommandsTest, ExportAsksFirstNamingTheFolderAndTheFilesThatChange) {
+    const std::filesystem::path exe = gameFileOfItem(0);
+    const Bytes before = readFileBytes(exe);
+    change([](CarSet& s) { setFieldText(s.team(0).name, "Changed"); });
+    // "No" writes nothing.
+    asker.answers.push_back(Answer::No);
+    window().runCommand(command::ExportToGame);
+    EXPECT_EQ(asker.ids, std::vector<MessageId>{MessageId::ExportQuestion});
+    EXPECT_EQ(asker.lastText(), "Export the Car Set to the Game in " + game + "?");
+    const std::string& detail = asker.details.back();
+    EXPECT_TRUE(detail.contains(" of the game's files will change: ") && detail.contains("GP2.EXE")) << detail;
+    // The count is the dry run's: the files whose bytes differ.
+    auto dryRun = DryRunExport(set(), window().document().transferItems(), GameContext{game, 0, session.config, session.workingFolder, {}});
+    ASSERT_TRUE(dryRun);
+    const auto changed = std::count_if(dryRun->begin(), dryRun->end(), [](const FileChange& c) { return c.bytesChanged > 0; });
+    EXPECT_TRUE(detail.starts_with(std::to_string(changed) + " of the game's files")) << detail;
+    EXPECT_EQ(readFileBytes(exe), before);
+    EXPECT_TRUE(listGameBackups(session.backupsRoot, game).empty());
+
+    // "Yes" with "Don't ask again": written, reported, and never asked again.
+    asker.answers.push_back(Answer::Yes);
+    asker.checkDontAskAgain = true;
+    window().runCommand(command::ExportToGame);
+    EXPECT_NE(readFileBytes(exe), before);
+    const std::vector<GameBackup> backups = listGameBackups(session.backupsRoot, game);
+    ASSERT_EQ(backups.size(), 1u);
+    const std::string report = window().statusBar()->currentMessage().toStdString();
+    EXPECT_TRUE(report.starts_with("Exported ") && report.ends_with("; backup " + backups[0].id + " kept.")) << report;
+    EXPECT_FALSE(session.config.confirmExport);
+    EXPECT_NE(readText(session.configPath).find("ConfirmExport=0"), std::string::npos);
+    asker.ids.clear();
+    window().runCommand(command::ExportToGame);
+    EXPECT_TRUE(asker.ids.empty());
+
+    window().runCommand(command::ImportFromGame);
+    EXPECT_TRUE(window().statusBar()->currentMessage().startsWith("Imported "));
 }
 
 TEST_F(GameCommandsTest, GameCommandsAreOffWhileTheReleaseIsUnknown) {

@@ -22,11 +22,6 @@ bool gameCommandsEnabled(MainWindow& w) {
            w.action(command::LaunchGame)->isEnabled();
 }
 
-std::string readText(const std::filesystem::path& path) {
-    std::ifstream in(path);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 // Start-up offers the configuration unless the configured game's release is known.
 TEST_F(AppTest, StartUpOffersTheConfigurationUnlessTheGameIsKnown) {
     std::filesystem::create_directories(folder() / "old");
@@ -104,18 +99,20 @@ TEST_F(AppTest, ConfigurationDialogChecksTheExecutable) {
 TEST_F(AppTest, ConfigurationDialogShowsAndStoresEveryOption) {
     const std::string game = configureGame();
     writeConfig("[Files]\nLocate GP2.EXE=" + game +
-                "\n[Config]\nNiceGrid=0\nGP2Palette=1\nHighGrip=1\nMosaic=9\nTeamSwap=1\nCheckSum=0\n");
+                "\n[Config]\nNiceGrid=0\nGP2Palette=1\nHighGrip=1\nMosaic=9\nTeamSwap=1\nCheckSum=0\nConfirmExport=0\n");
     ConfigDialog dialog(session, asker);
     // Inverted keys: NiceGrid 0 ticks the alternate calculator, GP2Palette 1 clears the Tarvel palette.
     EXPECT_TRUE(dialog.box(" Use Alternate Grid Calculator ")->isChecked());
     EXPECT_FALSE(dialog.box(" Save Bitmap: Use Tarvel Palette ")->isChecked());
     EXPECT_TRUE(dialog.box(" Allow Team Swapping ")->isChecked());
     EXPECT_FALSE(dialog.box(" Verify Car Set Checksums ")->isChecked());
+    EXPECT_FALSE(dialog.box(" Ask Before Exporting to the Game ")->isChecked());
     EXPECT_TRUE(dialog.highGrip()->isChecked());
     EXPECT_EQ(dialog.mosaic()->value(), 4);
     dialog.mosaic()->setValue(0);
     EXPECT_EQ(dialog.mosaicValue()->text(), "OFF");
     dialog.box(" Use Alternate Grid Calculator ")->setChecked(false);
+    dialog.box(" Ask Before Exporting to the Game ")->setChecked(true);
     dialog.lowGrip()->setChecked(true);
     dialog.launchField()->setText("dosbox \"%s\"");
     dialog.accept();
@@ -131,6 +128,7 @@ TEST_F(AppTest, ConfigurationDialogShowsAndStoresEveryOption) {
     EXPECT_FALSE(reread.config.highGrip);
     EXPECT_EQ(reread.config.mosaic, 0);
     EXPECT_TRUE(reread.config.gp2Palette);
+    EXPECT_TRUE(reread.config.confirmExport);
     EXPECT_EQ(reread.config.launchCommand, "dosbox \"%s\"");
 }
 

@@ -3,6 +3,7 @@
 
 #include "game/ProgressWindow.h"
 #include "game/RestoreDialog.h"
+#include "shell/Asker.h"
 #include "shell/Command.h"
 #include "shell/CommandIds.h"
 #include "shell/Document.h"
@@ -17,6 +18,7 @@
 #include <QProcess>
 
 #include <algorithm>
+#include <optional>
 #include <system_error>
 
 namespace tarvel {
@@ -36,6 +38,7 @@ void importFromGame(Workbench& bench) {
     const GameContext context = gameContext(session);
     session.detectStateFile();
     Status status;
+    TransferReport report;
     // The import marks the set dirty once it has read something, even when it
     // then fails; a refused import (a missing game file) leaves it as it was.
     bench.document.edit(StepName{"Import from game"}, Document::Everything, [&](CarSet& set) {
@@ -43,10 +46,35 @@ void importFromGame(Workbench& bench) {
         // The modal progress window keeps every other command away meanwhile.
         ProgressWindow progress("Importing...", &bench.window);
         progress.show();
-        status = ImportFromGame(set, bench.document.transferItems(), context, progress, changed);
+        status = ImportFromGame(set, bench.document.transferItems(), context, progress, changed, &report);
         return changed;
     });
-    showStatus(bench, status);
+    if (showStatus(bench, status)) showReport(bench, describeImport(report, context.gameFolder));
+}
+
+// One question before the game is written, naming the folder and how many of
+// its files will change (from a dry run); "Don't ask again" turns it off.
+bool exportConfirmed(Workbench& bench, const GameContext& context) {
+    Session& session = bench.session;
+    if (!session.config.confirmExport) return true;
+    std::optional<Result<std::vector<FileChange>>> changes;
+    {
+        WaitCursor wait;
+        changes.emplace(DryRunExport(bench.document.set(), bench.document.transferItems(), context));
+    }
+    if (!*changes) {
+        showMessage(bench, changes->error());
+        return false;
+    }
+    const Message question{MessageId::ExportQuestion, context.gameFolder.string(), describeExportChanges(**changes)};
+    bool dontAskAgain = false;
+    if (bench.asker.confirm(&bench.window, question, dontAskAgain) != Answer::Yes) return false;
+    if (dontAskAgain) {
+        session.config.confirmExport = false;
+        if (!session.writeConfiguration())
+            showMessage(bench, Message{MessageId::CouldntWriteFile, session.configPath.string()});
+    }
+    return true;
 }
 
 void exportToGame(Workbench& bench) {
@@ -54,14 +82,16 @@ void exportToGame(Workbench& bench) {
     GameContext context = gameContext(session);
     context.backupsRoot = session.backupsRoot;
     session.detectStateFile();
+    if (!exportConfirmed(bench, context)) return;
     std::vector<Message> notices;
+    TransferReport report;
     Status status;
     {
         ProgressWindow progress("Exporting...", &bench.window);
         progress.show();
-        status = ExportToGame(bench.document.set(), bench.document.transferItems(), context, progress, &notices);
+        status = ExportToGame(bench.document.set(), bench.document.transferItems(), context, progress, &notices, &report);
     }
-    showStatus(bench, status);
+    if (showStatus(bench, status)) showReport(bench, describeExport(report, context.gameFolder));
     for (const Message& notice : notices) showMessage(bench, notice);
 }
 

@@ -9,6 +9,7 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QCheckBox>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
@@ -46,7 +47,13 @@ Answer QtAsker::text(QWidget* parent, MessageKind kind, const QString& body, But
     return show(parent, kind, body, QString(), buttons);
 }
 
-Answer QtAsker::show(QWidget* parent, MessageKind kind, const QString& body, const QString& detail, Buttons buttons) {
+Answer QtAsker::confirm(QWidget* parent, const Message& m, bool& dontAskAgain) {
+    return show(parent, messageKind(m.id), QString::fromStdString(windows1252ToUtf8(messageText(m))),
+                QString::fromStdString(m.detail), Buttons::YesNo, &dontAskAgain);
+}
+
+Answer QtAsker::show(QWidget* parent, MessageKind kind, const QString& body, const QString& detail, Buttons buttons,
+                     bool* dontAskAgain) {
     QString shown = body;
     shown.replace("\r\n", "\n");
     QMessageBox box(parent);
@@ -68,7 +75,14 @@ Answer QtAsker::show(QWidget* parent, MessageKind kind, const QString& body, con
             box.setWindowTitle(QApplication::applicationDisplayName());
             break;
     }
-    return toAnswer(box.exec());
+    QCheckBox* check = nullptr;
+    if (dontAskAgain) {
+        check = new QCheckBox("Don't ask again", &box);
+        box.setCheckBox(check);
+    }
+    const Answer answer = toAnswer(box.exec());
+    if (check) *dontAskAgain = check->isChecked();
+    return answer;
 }
 
 QString QtAsker::openFile(QWidget* parent, const QString& title, const QString& filter) {

@@ -28,6 +28,9 @@ public:
     virtual QString openFile(QWidget* parent, const QString& title, const QString& filter) = 0;
     virtual QString saveFile(QWidget* parent, const QString& title, const QString& filter,
                              const QString& defaultSuffix) = 0;
+    // A Yes/No question with a "Don't ask again" box, whose state comes back in
+    // `dontAskAgain`.
+    virtual Answer confirm(QWidget* parent, const Message& question, bool& dontAskAgain) = 0;
     // The "Program Configuration" dialog on the window's settings; true on OK.
     virtual bool configure(MainWindow& window) = 0;
     // Shows the car set information text read-only.
@@ -39,6 +42,7 @@ class QtAsker : public Asker {
 public:
     Answer message(QWidget* parent, const Message& message, Buttons buttons) override;
     Answer text(QWidget* parent, MessageKind kind, const QString& text, Buttons buttons) override;
+    Answer confirm(QWidget* parent, const Message& question, bool& dontAskAgain) override;
     QString openFile(QWidget* parent, const QString& title, const QString& filter) override;
     QString saveFile(QWidget* parent, const QString& title, const QString& filter,
                      const QString& defaultSuffix) override;
@@ -46,7 +50,8 @@ public:
     void showInformation(QWidget* parent, const QString& text) override;
 
 private:
-    Answer show(QWidget* parent, MessageKind kind, const QString& body, const QString& detail, Buttons buttons);
+    Answer show(QWidget* parent, MessageKind kind, const QString& body, const QString& detail, Buttons buttons,
+               bool* dontAskAgain = nullptr);
 };
 
 }  // namespace tarvel

@@ -34,7 +34,7 @@ struct BoxSpec {
     bool inverted;
 };
 
-constexpr std::array<BoxSpec, 8> kBoxes{{
+constexpr std::array<BoxSpec, 9> kBoxes{{
     {" Verify Car Set Checksums ", &Config::checkSum, false},
     {" Use Alternate Grid Calculator ", &Config::niceGrid, true},
     {" Import JAM: Clear Up Background ", &Config::clearJam, false},
@@ -43,6 +43,7 @@ constexpr std::array<BoxSpec, 8> kBoxes{{
     {" Save Bitmap: Use Tarvel Palette ", &Config::gp2Palette, true},
     {" Soften Menu Helmets ", &Config::softenMenu, false},
     {" Allow Team Swapping ", &Config::teamSwap, false},
+    {" Ask Before Exporting to the Game ", &Config::confirmExport, false},
 }};
 
 }  // namespace

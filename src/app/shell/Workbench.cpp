@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QStatusBar>
 
 namespace tarvel {
 
@@ -15,6 +16,10 @@ void showMessage(Workbench& bench, const Message& message) { bench.asker.message
 bool showStatus(Workbench& bench, const Status& status) {
     if (!status) showMessage(bench, status.error());
     return status.has_value();
+}
+
+void showReport(Workbench& bench, const std::string& text) {
+    bench.window.statusBar()->showMessage(QString::fromStdString(text));
 }
 
 bool confirmReplace(Workbench& bench, const QString& path) {

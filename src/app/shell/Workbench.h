@@ -30,6 +30,8 @@ struct Workbench {
 // Shown with the message's kind; showStatus shows a failure and says whether it succeeded.
 void showMessage(Workbench& bench, const Message& message);
 bool showStatus(Workbench& bench, const Status& status);
+// A line in the window's status bar saying what a command did.
+void showReport(Workbench& bench, const std::string& text);
 // "Replace Existing File?" when `path` exists; true to go on.
 bool confirmReplace(Workbench& bench, const QString& path);
 QWidget* windowWidget(Workbench& bench);

@@ -27,6 +27,7 @@ constexpr FlagKey kFlags[] = {
     {"FixGreen", &Config::fixGreen, false, true},    {"FixStrip", &Config::fixStrip, true, true},
     {"GP2Palette", &Config::gp2Palette, false, true}, {"ShowInfo", &Config::showInfo, true, false},
     {"SoftenMenu", &Config::softenMenu, false, true}, {"TeamSwap", &Config::teamSwap, false, true},
+    {"ConfirmExport", &Config::confirmExport, true, true},
 };
 constexpr std::string_view kMosaicKey = "Mosaic";
 constexpr int kMosaicDefault = 3;

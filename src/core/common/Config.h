@@ -24,6 +24,7 @@ struct Config {
     int mosaic = 3;              // 0-4
     bool softenMenu = false;
     bool teamSwap = false;
+    bool confirmExport = true;   // ask before an export writes the game
     std::string launchCommand;   // empty: run GP2.EXE directly; else %s is the executable's path
 };
 

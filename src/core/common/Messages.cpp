@@ -93,6 +93,7 @@ constexpr Entry kMessages[] = {
     {M::GameFilesRestored, K::Information, "Game Files Restored."},
     {M::BackupAltered, K::Error, "Backup Copy Altered - %s: Nothing Was Restored."},
     {M::NotValidJson, K::Error, "Not Valid JSON - %s."},
+    {M::ExportQuestion, K::Question, "Export the Car Set to the Game in %s?"},
     {M::RecentFileMissing, K::Question, "Car Set Not Found - %s. Remove It from the Recent Car Sets?"},
 };
 

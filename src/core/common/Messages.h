@@ -95,6 +95,7 @@ enum class MessageId : int {
     GameFilesRestored,
     NotValidJson,               // "Not Valid JSON - %s."
     RecentFileMissing,          // "Car Set Not Found - %s. Remove It from the Recent Car Sets?"
+    ExportQuestion,             // "Export the Car Set to the Game in %s?"
     Count_
 };
 

@@ -317,8 +317,25 @@ Result<TransferSelection> parseTransferItemList(std::string_view list) {
     return selection;
 }
 
+// The game files the selected items read, each once, in item order.
+std::vector<std::string> importSourceFiles(const TransferSelection& items) {
+    std::vector<std::string> files;
+    for (int item = 0; item < kTransferItemCount; ++item) {
+        if (!selected(items, item) || !transferItemAvailable(item)) continue;
+        const std::string file(transferItemInfo(item).gameFile);
+        if (!file.empty() && std::find(files.begin(), files.end(), file) == files.end()) files.push_back(file);
+    }
+    return files;
+}
+
+int selectedCount(const TransferSelection& items) {
+    int count = 0;
+    for (int item = 0; item < kTransferItemCount; ++item) count += selected(items, item) && transferItemAvailable(item);
+    return count;
+}
+
 Status ImportFromGame(CarSet& set, const TransferSelection& items, const GameContext& context, Progress& progress,
-                      bool& changed) {
+                      bool& changed, TransferReport* report) {
     changed = false;
     if (Status game = checkGame(items, context); !game) return game;
     bool useStateFile = CheckStateFile(context.gameFolder);
@@ -335,16 +352,18 @@ Status ImportFromGame(CarSet& set, const TransferSelection& items, const GameCon
         if (selected(items, transferItemOfAssetSlot(AssetKind::MenuHelmet, slot)))
             setSlot(set.menuHelmets[std::size_t(slot)], menuHelmetFile(context.workingFolder, slot));
     set.recountAssets();
+    if (report) *report = TransferReport{selectedCount(items), importSourceFiles(items), {}};
     return {};
 }
 
 Status ExportToGame(const CarSet& set, const TransferSelection& items, const GameContext& context, Progress& progress,
-                    std::vector<Message>* notices) {
+                    std::vector<Message>* notices, TransferReport* report) {
     if (Status game = checkGame(items, context); !game) return game;
+    TransferReport done{selectedCount(items), exportTargetFiles(set, items, context), {}};
     if (!context.backupsRoot.empty()) {
-        auto backup = BackUpGameFiles(context.backupsRoot, context.gameFolder, exportTargetFiles(set, items, context),
-                                      std::time(nullptr));
+        auto backup = BackUpGameFiles(context.backupsRoot, context.gameFolder, done.files, std::time(nullptr));
         if (!backup) return fail(backup.error());
+        done.backupId = backup->id;
     }
     bool useStateFile = CheckStateFile(context.gameFolder);
     RunOutcome outcome = runItems(set, items, context, progress, useStateFile,
@@ -356,6 +375,7 @@ Status ExportToGame(const CarSet& set, const TransferSelection& items, const Gam
         return fail(MessageId::ExportAborted);
     }
     if (outcome.error) return fail(*outcome.error);
+    if (report) *report = std::move(done);
     return {};
 }
 
@@ -438,6 +458,48 @@ Result<std::vector<FileChange>> DryRunExport(const CarSet& set, const TransferSe
         if (differing != 0) changes.push_back(FileChange{name, differing});
     }
     return changes;
+}
+
+namespace {
+
+std::string counted(std::size_t n, const char* one, const char* many) {
+    return std::to_string(n) + " " + (n == 1 ? one : many);
+}
+
+// "A", "A and B", "A, B and C", "A, B, C, D, E and 3 more".
+std::string listed(const std::vector<std::string>& names) {
+    constexpr std::size_t kShown = 5;
+    std::vector<std::string> shown(names.begin(), names.begin() + std::ptrdiff_t(std::min(names.size(), kShown)));
+    if (names.size() > kShown) shown.push_back(std::to_string(names.size() - kShown) + " more");
+    std::string text;
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        if (i > 0) text += i + 1 == shown.size() ? " and " : ", ";
+        text += shown[i];
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string describeExportChanges(const std::vector<FileChange>& changes) {
+    std::vector<std::string> changed;
+    for (const FileChange& change : changes)
+        if (change.bytesChanged > 0) changed.push_back(change.file);
+    if (changed.empty()) return "No file of the game will change.";
+    return std::to_string(changed.size()) + " of the game's files will change: " + listed(changed) +
+           ". A backup of them is kept first.";
+}
+
+std::string describeImport(const TransferReport& report, const std::filesystem::path& gameFolder) {
+    return "Imported " + counted(std::size_t(report.items), "item", "items") + " from " + gameFolder.string() + ": " +
+           counted(report.files.size(), "file", "files") + " read.";
+}
+
+std::string describeExport(const TransferReport& report, const std::filesystem::path& gameFolder) {
+    std::string text = "Exported " + counted(std::size_t(report.items), "item", "items") + " to " +
+                       gameFolder.string() + ": " + counted(report.files.size(), "file", "files") + " written";
+    text += report.backupId.empty() ? std::string(".") : "; backup " + report.backupId + " kept.";
+    return text;
 }
 
 }  // namespace tarvel

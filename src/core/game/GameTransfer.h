@@ -60,8 +60,16 @@ Result<TransferSelection> parseTransferItemList(std::string_view list);
 // copies (car number layout) are taken over only after full success.
 // `changed` tells whether the set may have changed (anything was selected
 // and the game files were found), also when the import then failed.
+// What a finished import or export did, for the user: the game files read or
+// written and the backup an export kept.
+struct TransferReport {
+    int items = 0;                    // selected items that were carried
+    std::vector<std::string> files;   // as the game names them, each once
+    std::string backupId;             // "" when no backup was taken
+};
+
 Status ImportFromGame(CarSet& set, const TransferSelection& items, const GameContext& context, Progress& progress,
-                      bool& changed);
+                      bool& changed, TransferReport* report = nullptr);
 
 // Writes every selected item of `items` into the game. Failure: as
 // for the import, with "Export to Game Aborted."; when an abort and an item
@@ -70,7 +78,7 @@ Status ImportFromGame(CarSet& set, const TransferSelection& items, const GameCon
 // a game file is missing. With a backups root, the files the export will write
 // are backed up first ("Couldn't Back Up Game Files - %s." writes nothing).
 Status ExportToGame(const CarSet& set, const TransferSelection& items, const GameContext& context, Progress& progress,
-                    std::vector<Message>* notices = nullptr);
+                    std::vector<Message>* notices = nullptr, TransferReport* report = nullptr);
 
 // The game files an export of `items` writes, as the game names them, each once
 // (an empty picture or menu helmet slot leaves the game's own file alone).
@@ -85,5 +93,13 @@ struct FileChange {
 };
 Result<std::vector<FileChange>> DryRunExport(const CarSet& set, const TransferSelection& items,
                                              const GameContext& context);
+
+// In words for the user: what an export is about to change ("3 of the game's
+// files will change: GP2.EXE, F1GSTATE.SAV and GAMEJAMS/X.JAM."), and what a
+// finished import or export did ("Exported 221 items to /games/gp2/: 14 files
+// written; backup 20261124-001500 kept.").
+std::string describeExportChanges(const std::vector<FileChange>& changes);
+std::string describeImport(const TransferReport& report, const std::filesystem::path& gameFolder);
+std::string describeExport(const TransferReport& report, const std::filesystem::path& gameFolder);
 
 }  // namespace tarvel

@@ -244,3 +244,32 @@ TEST(TransferItems, ParseList) {
 
 }  // namespace
 }  // namespace tarvel
+
+namespace tarvel {
+namespace {
+
+TEST(TransferWords, SayWhatChangesAndWhatWasDone) {
+    auto changes = [](int changed, int unchanged) {
+        std::vector<FileChange> list;
+        for (int i = 0; i < changed + unchanged; ++i) list.push_back({"F" + std::to_string(i), i < changed ? 10u : 0u});
+        return list;
+    };
+    const struct {
+        std::vector<FileChange> changes;
+        const char* text;
+    } cases[] = {
+        {changes(0, 3), "No file of the game will change."},
+        {changes(1, 2), "1 of the game's files will change: F0. A backup of them is kept first."},
+        {changes(3, 1), "3 of the game's files will change: F0, F1 and F2. A backup of them is kept first."},
+        {changes(8, 0), "8 of the game's files will change: F0, F1, F2, F3, F4 and 3 more. A backup of them is kept first."},
+    };
+    for (const auto& c : cases) EXPECT_EQ(describeExportChanges(c.changes), c.text);
+    const TransferReport one{1, {"GP2.EXE"}, ""};
+    const TransferReport many{221, {"GP2.EXE", "F1GSTATE.SAV"}, "20261124-001500"};
+    EXPECT_EQ(describeImport(one, "/g/"), "Imported 1 item from /g/: 1 file read.");
+    EXPECT_EQ(describeExport(one, "/g/"), "Exported 1 item to /g/: 1 file written.");
+    EXPECT_EQ(describeExport(many, "/g/"), "Exported 221 items to /g/: 2 files written; backup 20261124-001500 kept.");
+}
+
+}  // namespace
+}  // namespace tarvel
