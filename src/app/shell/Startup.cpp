@@ -6,12 +6,18 @@
 
 #include "carset/WorkingFolder.h"
 #include "game/GameBackup.h"
+#include "common/Platform.h"
 
 #include <QApplication>
+#include <QSocketNotifier>
 #include <QStringList>
 
 #include <ctime>
 #include <system_error>
+
+#ifndef _WIN32
+#include <unistd.h>
+#endif
 
 namespace tarvel {
 
@@ -34,7 +40,30 @@ QString commandLineCarSet(const QStringList& arguments) {
 bool createWorkingFolder(const Session& session) {
     std::error_code ec;
     std::filesystem::create_directories(session.workingFolder, ec);
-    return std::filesystem::is_directory(session.workingFolder, ec);
+    if (!std::filesystem::is_directory(session.workingFolder, ec)) return false;
+    // Folders that editors which no longer run left behind go; this one is marked as ours.
+    sweepStaleWorkingFolders(session.workingFolder.parent_path(), session.workingFolder);
+    return markWorkingFolderOwner(session.workingFolder, currentProcessId());
+}
+
+// SIGTERM and SIGINT end the editor as its window's close would, without the
+// save question: the exit status is 128 + the signal's number.
+void endOnTerminationRequest(int& code) {
+#ifdef _WIN32
+    (void)code;
+#else
+    const int fd = terminationRequestDescriptor();
+    if (fd < 0) return;
+    auto* notifier = new QSocketNotifier(fd, QSocketNotifier::Read, QCoreApplication::instance());
+    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [fd, &code] {
+        unsigned char signal = 0;
+        if (::read(fd, &signal, 1) != 1) return;
+        // Ends every event loop, a dialog's too; nothing is saved, and the
+        // working folder goes on the way out as after a normal end.
+        code = 128 + signal;
+        QCoreApplication::exit(code);
+    });
+#endif
 }
 
 void removeWorkingFolder(const Session& session) {
@@ -51,6 +80,8 @@ int runEditor(int argc, char** argv) {
     Session session;
     prepareSession(session, std::filesystem::path(QCoreApplication::applicationDirPath().toStdString()),
                    static_cast<long long>(std::time(nullptr)));
+    int terminated = 0;
+    endOnTerminationRequest(terminated);
     // A working folder that cannot be made ends the process quietly.
     if (!createWorkingFolder(session)) return 0;
     int code = 0;
@@ -58,7 +89,8 @@ int runEditor(int argc, char** argv) {
         QtAsker asker;
         MainWindow window(session, asker);
         window.startUp(commandLineCarSet(QCoreApplication::arguments()));
-        code = app.exec();
+        // A request to end during start-up (a dialog) ends the process before the loop.
+        code = terminated ? terminated : app.exec();
     }
     removeWorkingFolder(session);
     return code;

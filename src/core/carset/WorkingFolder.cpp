@@ -1,6 +1,11 @@
 #include "carset/WorkingFolder.h"
 
 #include "carset/AssetKinds.h"
+#include "common/FileIO.h"
+#include "common/Platform.h"
+
+#include <chrono>
+#include <fstream>
 
 #include <cstdio>
 #include <cctype>
@@ -71,6 +76,62 @@ void deleteTemporaryAssetFiles(const std::filesystem::path& folder) {
             std::filesystem::remove(it->path(), removeError);
         }
     }
+}
+
+namespace {
+
+constexpr std::string_view kOwnerFile = "tarvel.pid";
+
+// "tarvel-" and nine hexadecimal digits: a working folder's name.
+bool isWorkingFolderName(const std::string& name) {
+    constexpr std::string_view kPrefix = "tarvel-";
+    if (name.size() != kPrefix.size() + 9 || !name.starts_with(kPrefix)) return false;
+    for (std::size_t i = kPrefix.size(); i < name.size(); ++i)
+        if (!std::isxdigit(static_cast<unsigned char>(name[i]))) return false;
+    return true;
+}
+
+// The owner's process id, or 0 when the folder names none.
+long ownerOf(const std::filesystem::path& folder) {
+    std::ifstream in(folder / kOwnerFile);
+    long pid = 0;
+    if (!(in >> pid) || pid <= 0) return 0;
+    return pid;
+}
+
+}  // namespace
+
+bool markWorkingFolderOwner(const std::filesystem::path& folder, long pid) {
+    const std::string text = std::to_string(pid) + "\n";
+    return writeFileAtomically(folder / kOwnerFile,
+                               std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+}
+
+std::vector<std::filesystem::path> sweepStaleWorkingFolders(const std::filesystem::path& tempFolder,
+                                                            const std::filesystem::path& ownFolder, long unownedAge) {
+    namespace fs = std::filesystem;
+    std::vector<fs::path> removed;
+    std::error_code ec;
+    const auto now = fs::file_time_type::clock::now();
+    for (fs::directory_iterator it(tempFolder, ec), end; !ec && it != end; it.increment(ec)) {
+        const fs::path folder = it->path();
+        std::error_code own;
+        if (!isWorkingFolderName(folder.filename().string()) || !it->is_directory(own) ||
+            fs::equivalent(folder, ownFolder, own))
+            continue;
+        const long owner = ownerOf(folder);
+        bool stale = false;
+        if (owner != 0) {
+            stale = !processMayBeAlive(owner);
+        } else {
+            std::error_code time;
+            const auto written = fs::last_write_time(folder, time);
+            stale = !time && now - written > std::chrono::seconds(unownedAge);
+        }
+        std::error_code gone;
+        if (stale && fs::remove_all(folder, gone) > 0 && !gone) removed.push_back(folder);
+    }
+    return removed;
 }
 
 }  // namespace tarvel

@@ -4,6 +4,7 @@
 #include <ctime>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace tarvel {
 
@@ -21,5 +22,17 @@ std::filesystem::path temporaryCarSetFile(const std::filesystem::path& folder); 
 
 // Deletes the temporary asset files of the folder (not the folder).
 void deleteTemporaryAssetFiles(const std::filesystem::path& folder);
+
+// Writes the owning process's id into the working folder ("tarvel.pid"), so
+// that a later editor can tell a folder left by a process that has ended.
+[[nodiscard]] bool markWorkingFolderOwner(const std::filesystem::path& folder, long pid);
+
+// Removes the working folders in `tempFolder` that editors which no longer
+// run left behind (killed, crashed): those whose owner process has ended, and
+// those without an owner older than `unownedAge` seconds. `ownFolder` is never
+// touched. Gives back the folders removed.
+std::vector<std::filesystem::path> sweepStaleWorkingFolders(const std::filesystem::path& tempFolder,
+                                                            const std::filesystem::path& ownFolder,
+                                                            long unownedAge = 24 * 60 * 60);
 
 }  // namespace tarvel

@@ -47,6 +47,8 @@ bool createFileDurably(const std::filesystem::path& name, std::span<const std::u
     return ok;
 }
 
+int terminationRequestDescriptor() { return -1; }
+
 long currentProcessId() { return long(_getpid()); }
 
 bool processMayBeAlive(long pid) {
@@ -115,6 +117,34 @@ bool createFileDurably(const std::filesystem::path& name, std::span<const std::u
     ok = ::close(fd) == 0 && ok;
     if (!ok) ::unlink(name.c_str());
     return ok;
+}
+
+namespace {
+int terminationPipe[2] = {-1, -1};
+
+void onTerminationSignal(int signal) {
+    const int saved = errno;
+    const unsigned char byte = static_cast<unsigned char>(signal);
+    // A full pipe already holds a request; nothing more to say.
+    [[maybe_unused]] const auto written = ::write(terminationPipe[1], &byte, 1);
+    errno = saved;
+}
+}  // namespace
+
+int terminationRequestDescriptor() {
+    if (terminationPipe[0] >= 0) return terminationPipe[0];
+    if (::pipe(terminationPipe) != 0) return -1;
+    for (int fd : terminationPipe) {
+        ::fcntl(fd, F_SETFD, FD_CLOEXEC);
+        ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) | O_NONBLOCK);
+    }
+    struct sigaction action {};
+    action.sa_handler = onTerminationSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    ::sigaction(SIGTERM, &action, nullptr);
+    ::sigaction(SIGINT, &action, nullptr);
+    return terminationPipe[0];
 }
 
 long currentProcessId() { return long(::getpid()); }

@@ -21,6 +21,11 @@ namespace tarvel {
 // fails; nothing is left then.
 [[nodiscard]] bool createFileDurably(const std::filesystem::path& name, std::span<const std::uint8_t> data);
 
+// A descriptor that becomes readable when the process is asked to end
+// (SIGTERM, SIGINT), for an event loop to watch; each request can be read from
+// it as one byte, the signal's number. -1 where the platform has none.
+int terminationRequestDescriptor();
+
 long currentProcessId();
 // False only when no process `pid` exists any more.
 bool processMayBeAlive(long pid);

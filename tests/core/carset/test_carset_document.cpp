@@ -3,10 +3,13 @@
 #include "carset/CarSetDocument.h"
 #include "carset/DocumentTitle.h"
 #include "carset/WorkingFolder.h"
+#include "common/Platform.h"
 
 #include "CarSetTestSupport.h"
 
 #include <gtest/gtest.h>
+
+#include <chrono>
 
 #include <fstream>
 
@@ -122,6 +125,43 @@ TEST(WorkingFolder, DeletesOnlyTheTemporaryAssetFiles) {
     for (const char* name : temporary) EXPECT_FALSE(std::filesystem::exists(folder / name)) << name;
     for (const char* name : kept) EXPECT_TRUE(std::filesystem::exists(folder / name)) << name;
     std::filesystem::remove_all(folder);
+}
+
+// Folders of editors that no longer run go; the living, our own and what is
+// not a working folder stay.
+TEST(WorkingFolder, SweepRemovesOnlyFoldersOfEndedEditors) {
+    namespace fs = std::filesystem;
+    ScratchFolder temp;
+    const long ended = 0x7ffffff0;   // no process has this id
+    const struct {
+        const char* name;
+        long owner;        // 0: no owner file
+        int ageHours;
+        bool removed;
+    } cases[] = {
+        {"tarvel-000000001", 0, 0, false},          // ours (below)
+        {"tarvel-000000002", ended, 0, true},
+        {"tarvel-000000003", currentProcessId(), 0, false},
+        {"tarvel-00000000a", 0, 1, false},          // unowned, young: perhaps starting now
+        {"tarvel-00000000b", 0, 48, true},          // unowned, old
+        {"tarvel-00000000x", ended, 48, false},     // not a working folder's name
+        {"tarvel-0000000001", ended, 48, false},
+        {"other-000000004", ended, 48, false},
+    };
+    for (const auto& c : cases) {
+        const fs::path folder = temp / c.name;
+        fs::create_directories(folder);
+        std::ofstream(folder / "JAM100.BMP") << "x";
+        if (c.owner != 0) {
+            ASSERT_TRUE(markWorkingFolderOwner(folder, c.owner));
+        }
+        fs::last_write_time(folder, fs::file_time_type::clock::now() - std::chrono::hours(c.ageHours));
+    }
+    std::ofstream(temp / "tarvel-00000000c") << "a file, not a folder";
+    const auto removed = sweepStaleWorkingFolders(temp.path(), temp / "tarvel-000000001");
+    for (const auto& c : cases) EXPECT_EQ(fs::exists(temp / c.name), !c.removed) << c.name;
+    EXPECT_EQ(removed.size(), 2u);
+    EXPECT_TRUE(fs::exists(temp / "tarvel-00000000c"));
 }
 
 }  // namespace
