@@ -82,6 +82,7 @@ TEST_F(CliTest, CheckPrintsTheVersionOrWhyNot) {
         std::string out, err;
     } cases[] = {
         {{"check", at("a.GP2")}, kExitOk, "180\n", ""},
+        {{"new", at("no/folder/b.GP2")}, kExitFailed, "", "Couldn't Save Car Set.\nb.GP2: no such file or directory\n"},
         {{"check", at("none.GP2")}, kExitFailed, "", "Couldn't Open Car Set File.\nnone.GP2: no such file\n"},
         {{"check", at("junk.GP2")}, kExitFailed, "",
          invalid + "junk.GP2: not a car set file: it does not start with a car set header\n"},

@@ -229,7 +229,8 @@ Status saveCarSet(CarSet& set, const fs::path& path, const CarSetFileOptions& op
     if (!bytes) return fail(bytes.error());
     // The open file (possibly the very file being replaced) stays open through
     // the rename, so status-2 items remain readable until the new handle takes over.
-    if (!writeFileAtomically(path, *bytes)) return fail(MessageId::CouldntSaveCarSet);
+    if (std::string reason; !writeFileAtomically(path, *bytes, &reason))
+        return fail(aboutFile(Message{MessageId::CouldntSaveCarSet, {}, reason}, path));
     auto file = CarSetFileHandle::open(path);
     if (!file) return fail(MessageId::CouldntSaveCarSet);
 

@@ -3,6 +3,7 @@
 #include "common/Platform.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cctype>
 #include <cstdlib>
 #include <string>
@@ -48,7 +49,16 @@ void removeStaleTemporaries(const fs::path& path) {
 
 }  // namespace
 
-bool writeFileAtomically(const fs::path& path, std::span<const std::uint8_t> data) {
+namespace {
+// The system's words for an error, as a detail reads them: "permission denied".
+std::string inWords(const std::error_code& error) {
+    std::string words = error.message();
+    if (!words.empty()) words[0] = char(std::tolower(static_cast<unsigned char>(words[0])));
+    return words;
+}
+}  // namespace
+
+bool writeFileAtomically(const fs::path& path, std::span<const std::uint8_t> data, std::string* reason) {
     removeStaleTemporaries(path);
     // A name of this process's own, created exclusively, beside the target.
     const std::string base =
@@ -58,12 +68,17 @@ bool writeFileAtomically(const fs::path& path, std::span<const std::uint8_t> dat
     for (int attempt = 0;; ++attempt) {
         temporary = path.parent_path() / (base + std::to_string(attempt));
         if (createFileDurably(temporary, data)) break;
-        if (attempt >= 100 || !fs::exists(temporary, ec)) return false;
+        const std::error_code cause(errno, std::generic_category());
+        if (attempt >= 100 || !fs::exists(temporary, ec)) {
+            if (reason) *reason = inWords(cause);
+            return false;
+        }
     }
     // Where a read-only target blocks the rename, the rename reports it.
     if (fs::exists(path, ec)) (void)clearReadOnly(path);
     fs::rename(temporary, path, ec);
     if (ec) {
+        if (reason) *reason = inWords(ec);
         fs::remove(temporary, ec);
         return false;
     }

@@ -17,7 +17,8 @@ std::optional<Bytes> readWholeFile(const std::filesystem::path& path);
 // whenever the process stops, the target is the old file or the new one. On
 // failure the target is left as it was and nothing is left behind; temporary
 // files that a killed process left are removed by the next write of the target.
-bool writeFileAtomically(const std::filesystem::path& path, std::span<const std::uint8_t> data);
+bool writeFileAtomically(const std::filesystem::path& path, std::span<const std::uint8_t> data,
+                         std::string* reason = nullptr);
 
 // Makes a file writable (the read-only attribute cleared); true when it exists
 // and is writable afterwards.
