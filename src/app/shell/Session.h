@@ -4,9 +4,11 @@
 
 #include "common/Config.h"
 #include "common/Rand.h"
+#include "common/WindowPlacement.h"
 
 #include <ctime>
 #include <filesystem>
+#include <optional>
 
 namespace tarvel {
 
@@ -30,6 +32,9 @@ struct Session {
     [[nodiscard]] bool writeGameFolder(const std::string& folder) const;
     [[nodiscard]] bool writeAutoFile(const std::string& path) const;
     [[nodiscard]] bool removeAutoFile() const;
+    // Where the main window was when it last closed (section "Window").
+    std::optional<WindowPlacement> readWindowPlacement() const;
+    [[nodiscard]] Status writeWindowPlacement(const WindowPlacement& placement) const;
 
     // Detects the release of the configured game and whether its state file
     // is valid; -1 without a game folder.
