@@ -18,6 +18,7 @@
 #include <QLayout>
 #include <QPushButton>
 #include <QScreen>
+#include <QStyle>
 
 namespace tarvel::test {
 namespace {
@@ -125,6 +126,8 @@ TEST_F(WindowLayoutTest, NoControlIsClippedAtAnyFontSize) {
 
 TEST_F(WindowLayoutTest, SavedPlacementIsAppliedOnTheScreenAndKeptOnClose) {
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    // Room is kept for the title bar above the client area.
+    const int bar = window().style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &window());
     struct Case {
         const char* what;
         WindowPlacement saved;
@@ -132,12 +135,12 @@ TEST_F(WindowLayoutTest, SavedPlacementIsAppliedOnTheScreenAndKeptOnClose) {
         int team;
     };
     const Case cases[] = {
-        {"inside the screen", {screen.x() + 20, screen.y() + 10, 700, 520, false, 5},
-         QRect(screen.x() + 20, screen.y() + 10, 700, 520), 5},
+        {"inside the screen", {screen.x() + 20, screen.y() + 60, 700, 520, false, 5},
+         QRect(screen.x() + 20, screen.y() + 60, 700, 520), 5},
         {"off to the right and below", {screen.right() + 500, screen.bottom() + 90, 700, 520, false, 40},
          QRect(screen.right() + 1 - 700, screen.bottom() + 1 - 520, 700, 520), 13},
         {"higher than the screen", {screen.x() + 50, screen.y() + 10, 700, 5000, false, -3},
-         QRect(screen.x() + 50, screen.y(), 700, screen.height()), 0},
+         QRect(screen.x() + 50, screen.y() + bar, 700, screen.height() - bar), 0},
     };
     for (const Case& c : cases) {
         ASSERT_TRUE(session.writeWindowPlacement(c.saved));

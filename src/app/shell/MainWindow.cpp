@@ -17,6 +17,7 @@
 #include <QMimeData>
 #include <QProcess>
 #include <QScreen>
+#include <QStyle>
 #include <QToolBar>
 #include <QUrl>
 
@@ -157,10 +158,14 @@ bool MainWindow::restorePlacement() {
     const QScreen* screen = QGuiApplication::screenAt(QPoint(rect.x + rect.width / 2, rect.y + rect.height / 2));
     if (!screen) screen = QGuiApplication::primaryScreen();
     if (screen) {
+        // The frame is not known before the window is first shown: allow for a
+        // title bar above the client area, as tall as the style draws one, so
+        // that it stays on the screen too.
+        const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this);
         const QRect available = screen->availableGeometry();
-        const WindowRect fitted =
-            fitOnScreen(rect, WindowRect{available.x(), available.y(), available.width(), available.height()});
-        setGeometry(fitted.x, fitted.y, fitted.width, fitted.height);
+        const WindowRect fitted = fitOnScreen(WindowRect{rect.x, rect.y - titleBar, rect.width, rect.height + titleBar},
+                                              WindowRect{available.x(), available.y(), available.width(), available.height()});
+        setGeometry(fitted.x, fitted.y + titleBar, fitted.width, fitted.height - titleBar);
     }
     return saved->maximized;
 }
