@@ -8,6 +8,7 @@
 #include "graphics/Helmets.h"
 #include "shell/CommandIds.h"
 #include "graphics/PictureWidgets.h"
+#include "carset/FieldSchema.h"
 #include "carset/TeamList.h"
 #include "shell/FieldWidgets.h"
 
@@ -119,88 +120,68 @@ TEST_F(EditingTest, DraggingInTheTeamListAsksOnlyWhileSwappingIsAllowed) {
 void typeInto(ValueSpinBox* field, const QString& text, bool byFocus) {
     field->selectAll();
     QTest::keyClicks(field, text);
-    if (byFocus) {
-        QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
-        QApplication::sendEvent(field, &out);
-    } else {
-        QTest::keyClick(field, Qt::Key_Return);
-    }
+    QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
+    byFocus ? void(QApplication::sendEvent(field, &out)) : QTest::keyClick(field, Qt::Key_Return);
 }
 
 // The conversions and range texts are the core's (FieldSchema); here: what the
 // figures show, how typing reaches the model and how a value outside is refused.
 TEST_F(EditingTest, FiguresBesideTheScrollBarsAreTypedWithinTheirRange) {
     const int number = set().team(0).driver[0];
-    change([&](CarSet& s) {
-        s.team(0).powerRace = s.team(0).powerQual = 1000;
-        s.team(0).failureProbability = 5000;
-        s.driver(number).gripRace = s.driver(number).gripQual = 30751;
-        s.driver(number).gripRandom = 400;
-    });
-    using Stored = long long (*)(const CarSet&, int);
-    struct Case {
-        const char* what;
+    change([&](CarSet& s) { s.driver(number).gripRace = s.driver(number).gripQual = 30751; });
+    const struct {
+        const char* field;   // a team field, else the first driver's
         bool highGrip;
-        int car;   // -1: the team's performance
-        int which;
-        Stored stored;
         const char* shown;
         int low, high;
         const char* typed;
-        long long typedStored;
+        long long stored;
         const char* outside;
         const char* message;
         bool byFocus;
+    } cases[] = {
+        {"powerRace", false, "760", 0, 1579, "1500", 1500, "1580", "Engine Power : 0 to 1579.", false},
+        {"powerQual", false, "770", 0, 1579, "0", 0, "-1", "Engine Power : 0 to 1579.", true},
+        {"failureProbability", false, "5000", 0, 32767, "32767", 32767, "32768",
+         "Car Failure Probability : 0 to 32767.", false},
+        {"gripRace", false, "15000", 0, 17016, "1000", 16751, "17017", "Driver Grip : 0 to 17016.", false},
+        {"gripQual", true, "30751", 15751, 32767, "32767", 32767, "15750", "Driver Grip : 15751 to 32767.", true},
+        {"gripRandom", true, "500", 0, 32767, "700", 700, "99999", "Driver Grip Range : 0 to 32767.", false},
     };
-    const Case cases[] = {
-        {"race power", false, -1, 0, [](const CarSet& s, int) -> long long { return s.team(0).powerRace; }, "1000", 0,
-         1579, "1500", 1500, "1580", "Engine Power : 0 to 1579.", false},
-        {"qualifying power", false, -1, 1, [](const CarSet& s, int) -> long long { return s.team(0).powerQual; }, "1000",
-         0, 1579, "0", 0, "-1", "Engine Power : 0 to 1579.", true},
-        {"failure", false, -1, 2, [](const CarSet& s, int) -> long long { return s.team(0).failureProbability; }, "5000",
-         0, 32767, "32767", 32767, "32768", "Car Failure Probability : 0 to 32767.", false},
-        {"race grip, shown from 0", false, 0, 0, [](const CarSet& s, int n) -> long long { return s.driver(n).gripRace; },
-         "15000", 0, 17016, "1000", 16751, "17017", "Driver Grip : 0 to 17016.", false},
-        {"qualifying grip, shown as stored", true, 0, 1,
-         [](const CarSet& s, int n) -> long long { return s.driver(n).gripQual; }, "30751", 15751, 32767, "32767", 32767,
-         "15750", "Driver Grip : 15751 to 32767.", true},
-        {"random grip", true, 0, 2, [](const CarSet& s, int n) -> long long { return s.driver(n).gripRandom; }, "400", 0,
-         32767, "700", 700, "99999", "Driver Grip Range : 0 to 32767.", false},
-    };
-    for (const Case& c : cases) {
+    const QStringList perf{"powerRace", "powerQual", "failureProbability"}, grips{"gripRace", "gripQual", "gripRandom"};
+    for (const auto& c : cases) {
         session.config.highGrip = c.highGrip;
         panel().refreshAll(false);
-        ValueSpinBox* field = c.car < 0 ? panel().performanceValue(c.which) : panel().gripField(c.car, c.which);
-        QScrollBar* bar = c.car < 0 ? panel().performanceBar(c.which) : panel().gripBar(c.car, c.which);
-        EXPECT_EQ(field->text(), c.shown) << c.what;
-        EXPECT_EQ(field->minimum(), c.low) << c.what;
-        EXPECT_EQ(field->maximum(), c.high) << c.what;
-        EXPECT_EQ(bar->minimum(), c.low) << c.what;
-        EXPECT_EQ(bar->maximum(), c.high) << c.what;
+        const bool team = perf.contains(c.field);
+        ValueSpinBox* field = team ? panel().performanceValue(int(perf.indexOf(c.field)))
+                                   : panel().gripField(0, int(grips.indexOf(c.field)));
+        QScrollBar* bar = team ? panel().performanceBar(int(perf.indexOf(c.field)))
+                               : panel().gripBar(0, int(grips.indexOf(c.field)));
+        const FieldSpec& spec = *findFieldSpec(team ? FieldPlace::Team : FieldPlace::Driver, c.field);
+        auto stored = [&] { return fieldValue(set(), spec, team ? 0 : number, 0); };
+        EXPECT_EQ(field->text(), c.shown) << c.field;
+        EXPECT_EQ(std::pair(field->minimum(), field->maximum()), std::pair(c.low, c.high)) << c.field;
+        EXPECT_EQ(std::pair(bar->minimum(), bar->maximum()), std::pair(c.low, c.high)) << c.field;
 
         typeInto(field, c.typed, c.byFocus);
-        EXPECT_EQ(c.stored(set(), number), c.typedStored) << c.what;
-        EXPECT_EQ(bar->value(), QString(c.typed).toInt()) << c.what;
-        const std::size_t shownBefore = asker.texts.size();
-
+        EXPECT_EQ(stored(), c.stored) << c.field;
+        EXPECT_EQ(bar->value(), QString(c.typed).toInt()) << c.field;
+        asker.texts.clear();
         typeInto(field, c.outside, c.byFocus);
-        ASSERT_EQ(asker.texts.size(), shownBefore + 1) << c.what;
-        EXPECT_EQ(asker.lastText(), c.message) << c.what;
-        EXPECT_EQ(c.stored(set(), number), c.typedStored) << c.what;
-        EXPECT_EQ(field->text(), c.typed) << c.what;
-
+        EXPECT_EQ(asker.texts, std::vector<std::string>{c.message}) << c.field;
+        EXPECT_EQ(stored(), c.stored) << c.field;
+        EXPECT_EQ(field->text(), c.typed) << c.field;
         bar->setValue(c.low);   // and the scroll bar moves the figure
-        EXPECT_EQ(field->value(), c.low) << c.what;
+        EXPECT_EQ(field->value(), c.low) << c.field;
     }
     // An empty figure counts as 0; a letter cannot be typed.
     ValueSpinBox* random = panel().gripField(0, 2);
-    random->selectAll();
+    typeInto(random, "5", false);
     QTest::keyClick(random, Qt::Key_Backspace);
     QTest::keyClick(random, Qt::Key_Return);
     EXPECT_EQ(set().driver(number).gripRandom, 0);
     typeInto(random, "x", false);
     EXPECT_EQ(random->text(), "0");
-    EXPECT_EQ(set().driver(number).gripRandom, 0);
 }
 
 TEST_F(EditingTest, PerformanceBarsAndHighNoseWriteTheCurrentTeam) {
@@ -215,29 +196,22 @@ TEST_F(EditingTest, PerformanceBarsAndHighNoseWriteTheCurrentTeam) {
     EXPECT_EQ(set().team(3).powerRace, 760);
 }
 
-// Names are counted as the model stores them (Windows-1252, one byte a
-// character, '?' for what it cannot hold), so a name is never cut short later.
+// Names are counted as the model stores them (Windows-1252: one byte a
+// character, '?' for what it cannot hold), so none is cut short later.
 TEST_F(EditingTest, NameFieldsTakeNoMoreThanTheModelKeeps) {
     const int number = set().team(0).driver[1];
-    struct Field {
-        const char* what;
-        QLineEdit* field;
-        int limit;
-        std::function<std::string()> stored;
+    const std::pair<QLineEdit*, std::function<std::string()>> fields[] = {
+        {panel().teamName(), [&] { return fieldText(set().team(0).name); }},
+        {panel().engine(), [&] { return fieldText(set().team(0).engine); }},
+        {panel().driverName(1), [&] { return fieldText(set().driver(number).name); }},
     };
-    const Field fields[] = {
-        {"team name", panel().teamName(), 12, [&] { return fieldText(set().team(0).name); }},
-        {"engine", panel().engine(), 12, [&] { return fieldText(set().team(0).engine); }},
-        {"driver name", panel().driverName(1), 23, [&] { return fieldText(set().driver(number).name); }},
-    };
-    for (const Field& f : fields) {
+    for (const auto& [field, stored] : fields) {
+        const int limit = field == panel().driverName(1) ? 23 : 12;
         for (const char* piece : {"A", "\xC3\xA9", "\xF0\x9F\x98\x80"}) {   // A, e acute, an emoji
-            const QString one = QString::fromUtf8(piece);
-            f.field->selectAll();
-            f.field->del();
-            for (int i = 0; i < f.limit + 3; ++i) f.field->insert(one);
-            EXPECT_EQ(f.field->text(), one.repeated(f.limit)) << f.what << " " << piece;
-            EXPECT_EQ(f.stored().size(), std::size_t(f.limit)) << f.what << " " << piece;
+            field->clear();
+            for (int i = 0; i < limit + 3; ++i) field->insert(QString::fromUtf8(piece));
+            EXPECT_EQ(field->text(), QString::fromUtf8(piece).repeated(limit)) << piece;
+            EXPECT_EQ(stored().size(), std::size_t(limit)) << piece;
         }
     }
 }

@@ -51,7 +51,9 @@ public:
     QLineEdit* driverName(int car) const { return drivers_[std::size_t(car)].name; }
     QLineEdit* driverNumber(int car) const { return drivers_[std::size_t(car)].number; }
     QComboBox* driverList(int car) const { return drivers_[std::size_t(car)].list; }
-    ValueSpinBox* gripField(int car, int which) const { return drivers_[std::size_t(car)].gripValue[std::size_t(which)]; }
+    ValueSpinBox* gripField(int car, int which) const {
+        return drivers_[std::size_t(car)].gripValue[std::size_t(which)];
+    }
     QScrollBar* gripBar(int car, int which) const { return drivers_[std::size_t(car)].gripBar[std::size_t(which)]; }
     QCheckBox* disabledBox(int car) const { return drivers_[std::size_t(car)].disabled; }
     QCheckBox* flagBox(int car) const { return drivers_[std::size_t(car)].flag; }

@@ -152,6 +152,7 @@ bool MainWindow::restorePlacement() {
     const std::optional<WindowPlacement> saved = bench_.session.readWindowPlacement();
     if (!saved) return false;
     document_->setCurrentTeam(std::clamp(saved->team, 0, kRacingTeams - 1));
+    panel_->refreshAll(false);   // its livery at once, not revealed
     // On the screen that holds the middle of the saved rectangle, else on the
     // primary one (a monitor may have gone since).
     const WindowRect rect = saved->rect();
@@ -162,9 +163,9 @@ bool MainWindow::restorePlacement() {
         // title bar above the client area, as tall as the style draws one, so
         // that it stays on the screen too.
         const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this);
-        const QRect available = screen->availableGeometry();
+        const QRect area = screen->availableGeometry();
         const WindowRect fitted = fitOnScreen(WindowRect{rect.x, rect.y - titleBar, rect.width, rect.height + titleBar},
-                                              WindowRect{available.x(), available.y(), available.width(), available.height()});
+                                              WindowRect{area.x(), area.y(), area.width(), area.height()});
         setGeometry(fitted.x, fitted.y + titleBar, fitted.width, fitted.height - titleBar);
     }
     return saved->maximized;

@@ -36,7 +36,9 @@ bool Session::removeAutoFile() const {
     return ini.deleteKey("Files", "AutoFile");
 }
 
-std::optional<WindowPlacement> Session::readWindowPlacement() const { return tarvel::readWindowPlacement(IniFile(configPath)); }
+std::optional<WindowPlacement> Session::readWindowPlacement() const {
+    return tarvel::readWindowPlacement(IniFile(configPath));
+}
 
 Status Session::writeWindowPlacement(const WindowPlacement& placement) const {
     IniFile ini(configPath);
