@@ -8,7 +8,9 @@
 #include "graphics/Helmets.h"
 #include "shell/CommandIds.h"
 #include "graphics/PictureWidgets.h"
+#include "carset/FieldSchema.h"
 #include "carset/TeamList.h"
+#include "shell/FieldWidgets.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -114,46 +116,72 @@ TEST_F(EditingTest, DraggingInTheTeamListAsksOnlyWhileSwappingIsAllowed) {
     EXPECT_EQ(fieldText(set().team(0).name), "T1");
 }
 
-// The conversions are the core's (GripForm); here: what the fields and bars show and write.
-TEST_F(EditingTest, GripsAreShownAndTypedInTheConfiguredForm) {
+// Types into a figure beside a scroll bar and leaves it by Return or by moving the focus away.
+void typeInto(ValueSpinBox* field, const QString& text, bool byFocus) {
+    field->selectAll();
+    QTest::keyClicks(field, text);
+    QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
+    byFocus ? void(QApplication::sendEvent(field, &out)) : QTest::keyClick(field, Qt::Key_Return);
+}
+
+// The conversions and range texts are the core's (FieldSchema); here: what the
+// figures show, how typing reaches the model and how a value outside is refused.
+TEST_F(EditingTest, FiguresBesideTheScrollBarsAreTypedWithinTheirRange) {
     const int number = set().team(0).driver[0];
-    struct Case {
-        bool high;
-        const char* shown;   // a stored 30751
-        int low, high_;
+    change([&](CarSet& s) { s.driver(number).gripRace = s.driver(number).gripQual = 30751; });
+    const struct {
+        const char* field;   // a team field, else the first driver's
+        bool highGrip;
+        const char* shown;
+        int low, high;
         const char* typed;
-        int stored;
+        long long stored;
         const char* outside;
         const char* message;
+        bool byFocus;
+    } cases[] = {
+        {"powerRace", false, "760", 0, 1579, "1500", 1500, "1580", "Engine Power : 0 to 1579.", false},
+        {"powerQual", false, "770", 0, 1579, "0", 0, "-1", "Engine Power : 0 to 1579.", true},
+        {"failureProbability", false, "5000", 0, 32767, "32767", 32767, "32768",
+         "Car Failure Probability : 0 to 32767.", false},
+        {"gripRace", false, "15000", 0, 17016, "1000", 16751, "17017", "Driver Grip : 0 to 17016.", false},
+        {"gripQual", true, "30751", 15751, 32767, "32767", 32767, "15750", "Driver Grip : 15751 to 32767.", true},
+        {"gripRandom", true, "500", 0, 32767, "700", 700, "99999", "Driver Grip Range : 0 to 32767.", false},
     };
-    for (const Case& c : {Case{false, "15000", 0, 17016, "1000", 16751, "17017", "Driver Grip : 0 to 17016."},
-                          Case{true, "30751", 15751, 32767, "32767", 32767, "15750", "Driver Grip : 15751 to 32767."}}) {
-        session.config.highGrip = c.high;
-        change([&](CarSet& s) { s.driver(number).gripRace = s.driver(number).gripQual = 30751; });
+    const QStringList perf{"powerRace", "powerQual", "failureProbability"}, grips{"gripRace", "gripQual", "gripRandom"};
+    for (const auto& c : cases) {
+        session.config.highGrip = c.highGrip;
         panel().refreshAll(false);
-        EXPECT_EQ(panel().gripField(0, 0)->text(), c.shown);
-        EXPECT_EQ(panel().gripBar(0, 0)->minimum(), c.low);
-        EXPECT_EQ(panel().gripBar(0, 0)->maximum(), c.high_);
-        panel().gripField(0, 0)->setText(c.typed);
-        emit panel().gripField(0, 0)->editingFinished();
-        EXPECT_EQ(set().driver(number).gripRace, c.stored);
-        panel().gripField(0, 1)->setText(c.outside);
-        emit panel().gripField(0, 1)->editingFinished();
-        EXPECT_EQ(asker.lastText(), c.message);
-        EXPECT_EQ(set().driver(number).gripQual, 30751);
-        EXPECT_EQ(panel().gripField(0, 1)->text(), c.shown);
-        // The scroll bar writes through the same conversion.
-        panel().gripBar(0, 0)->setValue(c.low);
-        EXPECT_EQ(set().driver(number).gripRace, 15751);
+        const bool team = perf.contains(c.field);
+        ValueSpinBox* field = team ? panel().performanceValue(int(perf.indexOf(c.field)))
+                                   : panel().gripField(0, int(grips.indexOf(c.field)));
+        QScrollBar* bar = team ? panel().performanceBar(int(perf.indexOf(c.field)))
+                               : panel().gripBar(0, int(grips.indexOf(c.field)));
+        const FieldSpec& spec = *findFieldSpec(team ? FieldPlace::Team : FieldPlace::Driver, c.field);
+        auto stored = [&] { return fieldValue(set(), spec, team ? 0 : number, 0); };
+        EXPECT_EQ(field->text(), c.shown) << c.field;
+        EXPECT_EQ(std::pair(field->minimum(), field->maximum()), std::pair(c.low, c.high)) << c.field;
+        EXPECT_EQ(std::pair(bar->minimum(), bar->maximum()), std::pair(c.low, c.high)) << c.field;
+
+        typeInto(field, c.typed, c.byFocus);
+        EXPECT_EQ(stored(), c.stored) << c.field;
+        EXPECT_EQ(bar->value(), QString(c.typed).toInt()) << c.field;
+        asker.texts.clear();
+        typeInto(field, c.outside, c.byFocus);
+        EXPECT_EQ(asker.texts, std::vector<std::string>{c.message}) << c.field;
+        EXPECT_EQ(stored(), c.stored) << c.field;
+        EXPECT_EQ(field->text(), c.typed) << c.field;
+        bar->setValue(c.low);   // and the scroll bar moves the figure
+        EXPECT_EQ(field->value(), c.low) << c.field;
     }
-    // The random range is typed as stored in either form; text that is no number is refused.
-    panel().gripField(0, 2)->setText("700");
-    emit panel().gripField(0, 2)->editingFinished();
-    EXPECT_EQ(set().driver(number).gripRandom, 700);
-    panel().gripField(0, 2)->setText("x");
-    emit panel().gripField(0, 2)->editingFinished();
-    EXPECT_EQ(asker.lastText(), "Driver Grip Range : 0 to 32767.");
-    EXPECT_EQ(set().driver(number).gripRandom, 700);
+    // An empty figure counts as 0; a letter cannot be typed.
+    ValueSpinBox* random = panel().gripField(0, 2);
+    typeInto(random, "5", false);
+    QTest::keyClick(random, Qt::Key_Backspace);
+    QTest::keyClick(random, Qt::Key_Return);
+    EXPECT_EQ(set().driver(number).gripRandom, 0);
+    typeInto(random, "x", false);
+    EXPECT_EQ(random->text(), "0");
 }
 
 TEST_F(EditingTest, PerformanceBarsAndHighNoseWriteTheCurrentTeam) {
@@ -163,10 +191,29 @@ TEST_F(EditingTest, PerformanceBarsAndHighNoseWriteTheCurrentTeam) {
     EXPECT_EQ(set().team(4).powerRace, 1500);
     EXPECT_EQ(set().team(4).failureProbability, 32767);
     EXPECT_EQ(panel().performanceValue(0)->text(), "1500");
-    EXPECT_EQ(panel().performanceBar(0)->maximum(), 1579);
     panel().highNose()->click();
     EXPECT_EQ(set().team(4).highNose, 0);
     EXPECT_EQ(set().team(3).powerRace, 760);
+}
+
+// Names are counted as the model stores them (Windows-1252: one byte a
+// character, '?' for what it cannot hold), so none is cut short later.
+TEST_F(EditingTest, NameFieldsTakeNoMoreThanTheModelKeeps) {
+    const int number = set().team(0).driver[1];
+    const std::pair<QLineEdit*, std::function<std::string()>> fields[] = {
+        {panel().teamName(), [&] { return fieldText(set().team(0).name); }},
+        {panel().engine(), [&] { return fieldText(set().team(0).engine); }},
+        {panel().driverName(1), [&] { return fieldText(set().driver(number).name); }},
+    };
+    for (const auto& [field, stored] : fields) {
+        const int limit = field == panel().driverName(1) ? 23 : 12;
+        for (const char* piece : {"A", "\xC3\xA9", "\xF0\x9F\x98\x80"}) {   // A, e acute, an emoji
+            field->clear();
+            for (int i = 0; i < limit + 3; ++i) field->insert(QString::fromUtf8(piece));
+            EXPECT_EQ(field->text(), QString::fromUtf8(piece).repeated(limit)) << piece;
+            EXPECT_EQ(stored().size(), std::size_t(limit)) << piece;
+        }
+    }
 }
 
 TEST_F(EditingTest, ChoosingADriverExchangesSeatsAndNumbersRenumber) {

@@ -1,5 +1,7 @@
 #include "carset/TeamList.h"
 
+#include "carset/CarSet.h"
+
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -7,6 +9,10 @@
 namespace tarvel {
 
 TeamList::TeamList(QWidget* parent) : QListWidget(parent) {
+    // Rows as high as the text, so that the whole grid fits in a short list.
+    setStyleSheet("QListWidget::item { padding: 0px; margin: 0px; }");
+    // Never narrower than a name; shorter than the grid it scrolls.
+    setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
     scrollTimer_.setInterval(100);
     connect(&scrollTimer_, &QTimer::timeout, this, &TeamList::scrollStep);
 }
@@ -17,6 +23,14 @@ int TeamList::gapAt(int y) const {
         if (y < r.center().y()) return row;
     }
     return count();
+}
+
+QSize TeamList::sizeHint() const {
+    const QFontMetrics metrics(font());
+    const int row = count() > 0 ? sizeHintForRow(0) : metrics.height();
+    const int frame = 2 * frameWidth();
+    const int longestName = metrics.horizontalAdvance(QString(kTeamNameSize - 1, QLatin1Char('W')));
+    return {longestName + frame + 2 * spacing() + 4, kRacingTeams * row + frame};
 }
 
 void TeamList::mousePressEvent(QMouseEvent* event) {
@@ -70,7 +84,7 @@ void TeamList::paintEvent(QPaintEvent* event) {
     else if (count() > 0)
         y = visualItemRect(item(count() - 1)).bottom() + 1;
     QPainter painter(viewport());
-    painter.fillRect(QRect(0, y - 2, 132, 4), palette().text());
+    painter.fillRect(QRect(0, y - 2, viewport()->width(), 4), palette().text());
 }
 
 void TeamList::scrollStep() {

@@ -17,6 +17,8 @@ public:
     // The gap (0 = above the first entry, count() = below the last) for a
     // viewport position.
     int gapAt(int y) const;
+    // Room for every racing team at once, each with a name of the longest kind.
+    QSize sizeHint() const override;
 
 signals:
     // The entry at `from` was dropped so that it ends up at position `to`.

@@ -7,6 +7,7 @@
 #include "shell/Command.h"
 #include "shell/CommandIds.h"
 #include "shell/Document.h"
+#include "shell/FieldWidgets.h"
 #include "shell/Session.h"
 #include "shell/Workbench.h"
 
@@ -17,6 +18,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
+#include <QGridLayout>
 #include <QIntValidator>
 #include <QLabel>
 #include <QLineEdit>
@@ -74,8 +76,7 @@ auto TeamPanel::ownEdit(const StepName& step, unsigned what, F&& change) {
 }
 
 TeamPanel::TeamPanel(Workbench& bench, QWidget* parent) : QWidget(parent), bench_(bench) {
-    setFixedSize(kWidth, kHeight);
-    // The window's controls use the small dialog font their positions were made for.
+    // The window's controls use a small dialog font; the layouts size every control from it.
     QFont font("Arial");
     font.setPixelSize(11);
     setFont(font);
@@ -85,52 +86,110 @@ TeamPanel::TeamPanel(Workbench& bench, QWidget* parent) : QWidget(parent), bench
 
 // ---------------------------------------------------------------- building
 
-void TeamPanel::buildControls() {
-    auto label = [this](const QString& text, int x, int y, int w = 132) {
-        auto* label = new QLabel(text, this);
-        label->setGeometry(x, y, w, 14);
-        return label;
-    };
+namespace {
 
-    label("Teams", 16, 31);
+// A caption with the value's spin box at its right, and the scroll bar under both.
+QLayout* sliderRow(QLabel* caption, ValueSpinBox* value, QScrollBar* bar) {
+    auto* row = new QGridLayout;
+    row->setSpacing(0);
+    row->addWidget(caption, 0, 0);
+    row->addWidget(value, 0, 1);
+    row->addWidget(bar, 1, 0, 1, 2);
+    row->setColumnStretch(0, 1);
+    return row;
+}
+
+// The figure beside a scroll bar: it looks like the text it replaces and takes typed values.
+ValueSpinBox* sliderValue(QWidget* parent) {
+    auto* value = new ValueSpinBox(parent);
+    value->setButtonSymbols(QAbstractSpinBox::NoButtons);
+    value->setFrame(false);
+    value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    value->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    return value;
+}
+
+QScrollBar* sliderBar(QWidget* parent, int pageStep) {
+    auto* bar = new QScrollBar(Qt::Horizontal, parent);
+    bar->setPageStep(pageStep);
+    bar->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    return bar;
+}
+
+// Room that only grows: it takes what the pictures leave.
+QSpacerItem* gap(int height) { return new QSpacerItem(0, height, QSizePolicy::Minimum, QSizePolicy::Expanding); }
+
+}  // namespace
+
+void TeamPanel::buildControls() {
+    auto* grid = new QGridLayout(this);
+    grid->setContentsMargins(16, 3, 16, 13);
+    grid->setHorizontalSpacing(14);
+    grid->setVerticalSpacing(2);
+    // The livery and the first helmet line up with the top of the team list.
+    grid->addWidget(new QLabel("Teams", this), 0, 0);
+    grid->addLayout(buildTeamColumn(), 1, 0);
+    grid->addLayout(buildLiveryColumn(), 1, 1);
+    grid->addLayout(buildDriverColumn(), 1, 2);
+    // Width beyond the controls' own goes to the livery and the helmets, about
+    // in the ratio of their widths, so that they grow by whole multiples together.
+    grid->setColumnStretch(1, 7);
+    grid->setColumnStretch(2, 2);
+    grid->setRowStretch(1, 1);
+}
+
+QLayout* TeamPanel::buildTeamColumn() {
+    auto* column = new QVBoxLayout;
+    column->setSpacing(0);
     teamList_ = new TeamList(this);
-    teamList_->setGeometry(16, 47, 132, 200);
-    teamList_->setStyleSheet("QListWidget::item { padding: 0px; margin: 0px; height: 14px; }");
     connect(teamList_, &QListWidget::currentRowChanged, this, [this](int row) {
         if (!updating_ && row >= 0) selectTeam(row);
     });
     connect(teamList_, &TeamList::moveRequested, this, &TeamPanel::requestTeamMove);
+    column->addWidget(teamList_);
 
-    label("Team Name", 16, 251);
-    teamName_ = new QLineEdit(this);
-    teamName_->setGeometry(16, 266, 132, 22);
-    teamName_->setMaxLength(kTeamNameSize - 1);
-    connect(teamName_, &QLineEdit::textEdited, this, [this](const QString& t) { teamTextEdited(false, t); });
-    label("Engine", 16, 290);
-    engine_ = new QLineEdit(this);
-    engine_->setGeometry(16, 305, 132, 22);
-    engine_->setMaxLength(kTeamNameSize - 1);
-    connect(engine_, &QLineEdit::textEdited, this, [this](const QString& t) { teamTextEdited(true, t); });
+    auto nameField = [this, column](const QString& caption, bool engine) {
+        column->addSpacing(3);
+        column->addWidget(new QLabel(caption, this));
+        column->addSpacing(1);
+        auto* field = new QLineEdit(this);
+        field->setValidator(new ModelTextValidator(kTeamNameSize - 1, field));
+        connect(field, &QLineEdit::textEdited, this, [this, engine](const QString& t) { teamTextEdited(engine, t); });
+        column->addWidget(field);
+        return field;
+    };
+    teamName_ = nameField("Team Name", false);
+    engine_ = nameField("Engine", true);
 
+    column->addItem(gap(17));
     carSettings_ = new QPushButton(" Car Settings ", this);
-    carSettings_->setGeometry(16, 344, 132, 23);
     connect(carSettings_, &QPushButton::clicked, this, [this] { bench_.commands.run(command::CarSettings); });
+    column->addWidget(carSettings_);
+    column->addSpacing(2);
     gameSettings_ = new QPushButton(" Game Settings ", this);
-    gameSettings_->setGeometry(16, 369, 132, 23);
     connect(gameSettings_, &QPushButton::clicked, this, [this] { bench_.commands.run(command::GameSettings); });
+    column->addWidget(gameSettings_);
+    return column;
+}
 
+QLayout* TeamPanel::buildLiveryColumn() {
+    auto* column = new QVBoxLayout;
+    column->setSpacing(0);
     livery_ = new LiveryView(this);
-    livery_->move(163, 48);
     connect(livery_, &LiveryView::doubleClicked, this, &TeamPanel::showEnlargedLivery);
+    column->addWidget(livery_, 1);
+    column->addSpacing(6);
 
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(1);
     carBitmap_ = new QPushButton(" Car Bitmap... ", this);
-    carBitmap_->setGeometry(162, 218, 100, 21);
     connect(carBitmap_, &QPushButton::clicked, this, &TeamPanel::showCarPopup);
+    buttons->addWidget(carBitmap_);
     undo_ = new QPushButton(" Undo ", this);
-    undo_->setGeometry(263, 218, 69, 21);
     connect(undo_, &QPushButton::clicked, this, [this] { bench_.document.undoLivery(); });
+    buttons->addWidget(undo_);
+    buttons->addSpacing(5);
     highNose_ = new QCheckBox(" High Nose ", this);
-    highNose_->setGeometry(337, 218, 95, 20);
     connect(highNose_, &QCheckBox::toggled, this, [this](bool on) {
         if (updating_) return;
         ownEdit(teamStep(on ? "Set high nose" : "Clear high nose"), Document::Teams, [&](CarSet& set) {
@@ -138,66 +197,107 @@ void TeamPanel::buildControls() {
             return true;
         });
     });
+    buttons->addWidget(highNose_);
+    buttons->addStretch();
+    column->addLayout(buttons);
 
+    column->addItem(gap(12));
     for (int i = 0; i < 3; ++i) {
-        const int y = 314 + 26 * i;
-        label(caption(performanceSpec(i)), 169, y, 130);
-        perfValue_[std::size_t(i)] = new QLabel(this);
-        perfValue_[std::size_t(i)]->setGeometry(300, y, 40, 14);
-        perfValue_[std::size_t(i)]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        auto* bar = new QScrollBar(Qt::Horizontal, this);
-        bar->setGeometry(169, 327 + 26 * i, 164, 12);
-        const FieldRange range = displayRange(rule(performanceSpec(i)), false);
+        if (i > 0) column->addSpacing(1);
+        auto* value = sliderValue(this);
+        auto* bar = sliderBar(this, i == 2 ? 1000 : 50);
+        const ElementRule* field = &rule(performanceSpec(i));
+        const FieldRange range = displayRange(*field, false);
         bar->setRange(range.low, range.high);
-        bar->setPageStep(i == 2 ? 1000 : 50);
+        value->setRange(range.low, range.high);
         connect(bar, &QScrollBar::valueChanged, this, [this, i](int v) { performanceChanged(i, v); });
+        connect(value, &QSpinBox::valueChanged, bar, &QScrollBar::setValue);
+        connect(value, &ValueSpinBox::typedOutside, this, [this, value, field] { valueTypedOutside(value, *field); });
+        column->addLayout(sliderRow(new QLabel(caption(performanceSpec(i)), this), value, bar));
+        perfValue_[std::size_t(i)] = value;
         perfBar_[std::size_t(i)] = bar;
     }
-
-    buildDriverControls(0, 81);
-    buildDriverControls(1, 255);
-    helmets_[0] = new HelmetView(this);
-    helmets_[0]->move(452, 48);
-    helmets_[1] = new HelmetView(this);
-    helmets_[1]->move(452, 222);
+    return column;
 }
 
-void TeamPanel::buildDriverControls(int car, int top) {
+QLayout* TeamPanel::buildDriverColumn() {
+    auto* column = new QVBoxLayout;
+    column->setSpacing(0);
+    for (int car = 0; car < 2; ++car) {
+        if (car > 0) column->addItem(gap(1));
+        helmets_[std::size_t(car)] = new HelmetView(this);
+        column->addWidget(helmets_[std::size_t(car)], 1);
+        column->addSpacing(3);
+        column->addLayout(buildDriverControls(car));
+    }
+    return column;
+}
+
+QLayout* TeamPanel::buildDriverControls(int car) {
     DriverControls& d = drivers_[std::size_t(car)];
-    const int dy = top - 81;
+    auto* block = new QVBoxLayout;
+    block->setSpacing(0);
     d.list = new QComboBox(this);
-    d.list->setGeometry(433, top, 165, 22);
+    // Wide enough for a number and most of a name; longer entries are elided.
+    d.list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    d.list->setMinimumContentsLength(16);
     connect(d.list, &QComboBox::activated, this, [this, car](int index) { driverChosen(car, index); });
-    d.number = new QLineEdit(this);
-    d.number->setGeometry(433, 105 + dy, 46, 22);
+    block->addWidget(d.list);
+    block->addSpacing(2);
+
+    auto* identity = new QHBoxLayout;
+    identity->setSpacing(2);
+    d.number = new SizedLineEdit("0000", this);
     d.number->setValidator(new QIntValidator(0, kDriverNumbers, d.number));
     connect(d.number, &QLineEdit::editingFinished, this, [this, car] { driverNumberTyped(car); });
+    identity->addWidget(d.number);
     d.name = new QLineEdit(this);
-    d.name->setGeometry(481, 105 + dy, 117, 22);
-    d.name->setMaxLength(kDriverNameSize - 1);
+    d.name->setValidator(new ModelTextValidator(kDriverNameSize - 1, d.name));
     connect(d.name, &QLineEdit::textEdited, this, [this, car](const QString& t) { driverNameEdited(car, t); });
+    identity->addWidget(d.name);
+    block->addLayout(identity);
+    block->addSpacing(1);
+
     for (int w = 0; w < 3; ++w) {
-        const int y = 128 + 25 * w + dy;
-        auto* label = new QLabel(caption(gripSpec(w)), this);
-        label->setGeometry(433, y, 128, 12);
-        auto* value = new QLineEdit(this);
-        value->setGeometry(563, y - 2, 35, 14);
-        value->setFrame(false);
-        value->setAlignment(Qt::AlignRight);
-        connect(value, &QLineEdit::editingFinished, this, [this, car, w] { gripTyped(car, w); });
-        d.gripValue[std::size_t(w)] = value;
-        auto* bar = new QScrollBar(Qt::Horizontal, this);
-        bar->setGeometry(433, 140 + 25 * w + dy, 165, 12);
-        bar->setPageStep(500);
+        if (w > 0) block->addSpacing(1);
+        auto* value = sliderValue(this);
+        auto* bar = sliderBar(this, 500);
+        const ElementRule* field = &rule(gripSpec(w));
         connect(bar, &QScrollBar::valueChanged, this, [this, car, w](int v) { gripBarMoved(car, w, v); });
+        connect(value, &QSpinBox::valueChanged, bar, &QScrollBar::setValue);
+        connect(value, &ValueSpinBox::typedOutside, this, [this, value, field] { valueTypedOutside(value, *field); });
+        block->addLayout(sliderRow(new QLabel(caption(gripSpec(w)), this), value, bar));
+        d.gripValue[std::size_t(w)] = value;
         d.gripBar[std::size_t(w)] = bar;
     }
+
+    auto* boxes = new QHBoxLayout;
+    boxes->setSpacing(4);
     d.flag = new QCheckBox(" Marked (S) ", this);
-    d.flag->setGeometry(433, 203 + dy, 83, 18);
     connect(d.flag, &QCheckBox::toggled, this, [this, car](bool on) { flagToggled(car, on); });
+    boxes->addWidget(d.flag);
     d.disabled = new QCheckBox(" Disabled ", this);
-    d.disabled->setGeometry(520, 203 + dy, 83, 18);
     connect(d.disabled, &QCheckBox::clicked, this, [this, car] { toggleDisabled(car); });
+    boxes->addWidget(d.disabled);
+    boxes->addStretch();
+    block->addLayout(boxes);
+    return block;
+}
+
+void TeamPanel::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    fitPictures();
+}
+
+void TeamPanel::fitPictures() {
+    // The layout first gives the pictures all the room it can; each then keeps
+    // only the height of the whole multiple it can show, and the height left
+    // goes to the gaps between the groups of controls.
+    const std::array<PixelView*, 3> pictures{livery_, helmets_[0], helmets_[1]};
+    for (PixelView* picture : pictures) picture->setMaximumHeight(QWIDGETSIZE_MAX);
+    layout()->activate();
+    for (PixelView* picture : pictures) picture->setMaximumHeight(picture->scaledSize(picture->scale()).height());
+    layout()->activate();
 }
 
 void TeamPanel::updateButtons() {
@@ -254,7 +354,7 @@ void TeamPanel::refreshTeam() {
     for (int i = 0; i < 3; ++i) {
         const int value = int(fieldValue(bench_.document.set(), performanceSpec(i), bench_.document.currentTeam(), 0));
         perfBar_[std::size_t(i)]->setValue(value);
-        perfValue_[std::size_t(i)]->setText(QString::number(value));
+        perfValue_[std::size_t(i)]->setValue(value);
     }
     updating_ = false;
     refreshDrivers();
@@ -294,7 +394,8 @@ void TeamPanel::refreshDriver(int car) {
         const int shown = int(toDisplay(grip, valid ? fieldValue(set, gripSpec(w), number, 0) : 0, high));
         d.gripBar[std::size_t(w)]->setRange(range.low, range.high);
         d.gripBar[std::size_t(w)]->setValue(shown);
-        d.gripValue[std::size_t(w)]->setText(QString::number(shown));
+        d.gripValue[std::size_t(w)]->setRange(range.low, range.high);
+        d.gripValue[std::size_t(w)]->setValue(shown);
         d.gripBar[std::size_t(w)]->setEnabled(valid);
         d.gripValue[std::size_t(w)]->setEnabled(valid);
     }
@@ -350,7 +451,7 @@ void TeamPanel::teamTextEdited(bool engine, const QString& text) {
 }
 
 void TeamPanel::performanceChanged(int which, int value) {
-    perfValue_[std::size_t(which)]->setText(QString::number(value));
+    perfValue_[std::size_t(which)]->setValue(value);
     if (updating_) return;
     const std::string_view field = rule(performanceSpec(which)).caption;
     ownEdit(teamStep("Change " + std::string(field), field), Document::Teams, [&](CarSet& set) {
@@ -394,7 +495,7 @@ void TeamPanel::driverNameEdited(int car, const QString& text) {
 }
 
 void TeamPanel::gripBarMoved(int car, int which, int value) {
-    drivers_[std::size_t(car)].gripValue[std::size_t(which)]->setText(QString::number(value));
+    drivers_[std::size_t(car)].gripValue[std::size_t(which)]->setValue(value);
     if (updating_) return;
     const int number = currentDriverNumber(car);
     if (number < 1 || number > kDriverNumbers) return;
@@ -404,28 +505,11 @@ void TeamPanel::gripBarMoved(int car, int which, int value) {
             [&](CarSet& set) { return setFieldValue(set, gripSpec(which), number, 0, *stored); });
 }
 
-void TeamPanel::gripTyped(int car, int which) {
-    if (updating_) return;
-    const int number = currentDriverNumber(car);
-    if (number < 1 || number > kDriverNumbers) return;
-    QLineEdit* field = drivers_[std::size_t(car)].gripValue[std::size_t(which)];
-    const QString text = field->text().trimmed();
-    // An empty field counts as 0; text that is no number as a value outside every range.
-    bool ok = true;
-    long long typed = text.isEmpty() ? 0 : text.toLongLong(&ok);
-    if (!ok) typed = -1;
-    const auto stored = fromDisplay(rule(gripSpec(which)), typed, bench_.session.config.highGrip);
-    if (!stored) {
-        showMessage(bench_, stored.error());
-        refreshDriver(car);
-        field->setFocus();
-        field->selectAll();
-        return;
-    }
-    if (*stored == fieldValue(bench_.document.set(), gripSpec(which), number, 0)) return;
-    ownEdit(gripStep(which, number), Document::Drivers,
-            [&](CarSet& set) { return setFieldValue(set, gripSpec(which), number, 0, *stored); });
-    refreshDriver(car);
+// The value stays as it was; the message names the field's range in the form it is shown.
+void TeamPanel::valueTypedOutside(ValueSpinBox* field, const ElementRule& rule) {
+    showMessage(bench_, rangeMessage(rule, bench_.session.config.highGrip));
+    field->setFocus();
+    field->selectAll();
 }
 
 void TeamPanel::flagToggled(int car, bool on) {
@@ -493,7 +577,7 @@ void TeamPanel::showEnlargedLivery() {
 
 void TeamPanel::showCarPopup() {
     CarBitmapPopup popup([this](int id) { return bench_.commands.isEnabled(id); }, window());
-    popup.move(mapToGlobal(QPoint(165, 204)));
+    popup.move(carBitmap_->mapToGlobal(QPoint(3, -14)));
     const int chosen = popup.exec() == QDialog::Accepted ? popup.chosen() : 0;
     if (chosen != 0) bench_.commands.run(chosen);
 }

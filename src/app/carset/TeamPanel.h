@@ -2,6 +2,9 @@
 // The main window's client area: the team list, the current team's name,
 // engine, livery and performance, and its two drivers with their helmets and
 // grips. It shows the document and changes it only through Document::edit.
+// Three columns laid out by Qt layouts: it grows with the window, the pictures
+// at whole multiples of their size, and the room left goes to the gaps between
+// groups of controls.
 
 #include <QWidget>
 
@@ -10,7 +13,7 @@
 
 class QCheckBox;
 class QComboBox;
-class QLabel;
+class QLayout;
 class QLineEdit;
 class QPushButton;
 class QScrollBar;
@@ -19,17 +22,17 @@ namespace tarvel {
 
 struct StepName;
 
+struct ElementRule;
 class HelmetView;
 class LiveryView;
+class PixelView;
 class TeamList;
+class ValueSpinBox;
 struct Workbench;
 
 class TeamPanel : public QWidget {
     Q_OBJECT
 public:
-    static constexpr int kWidth = 614;
-    static constexpr int kHeight = 405;
-
     explicit TeamPanel(Workbench& bench, QWidget* parent = nullptr);
 
     // Redraws everything from the document; the livery at once (block 0) or
@@ -51,12 +54,14 @@ public:
     QLineEdit* driverName(int car) const { return drivers_[std::size_t(car)].name; }
     QLineEdit* driverNumber(int car) const { return drivers_[std::size_t(car)].number; }
     QComboBox* driverList(int car) const { return drivers_[std::size_t(car)].list; }
-    QLineEdit* gripField(int car, int which) const { return drivers_[std::size_t(car)].gripValue[std::size_t(which)]; }
+    ValueSpinBox* gripField(int car, int which) const {
+        return drivers_[std::size_t(car)].gripValue[std::size_t(which)];
+    }
     QScrollBar* gripBar(int car, int which) const { return drivers_[std::size_t(car)].gripBar[std::size_t(which)]; }
     QCheckBox* disabledBox(int car) const { return drivers_[std::size_t(car)].disabled; }
     QCheckBox* flagBox(int car) const { return drivers_[std::size_t(car)].flag; }
     QScrollBar* performanceBar(int which) const { return perfBar_[std::size_t(which)]; }
-    QLabel* performanceValue(int which) const { return perfValue_[std::size_t(which)]; }
+    ValueSpinBox* performanceValue(int which) const { return perfValue_[std::size_t(which)]; }
     QCheckBox* highNose() const { return highNose_; }
     QPushButton* undoButton() const { return undo_; }
     QPushButton* carSettingsButton() const { return carSettings_; }
@@ -67,19 +72,27 @@ public:
     // Enables the buttons that run commands.
     void updateButtons();
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     struct DriverControls {
         QComboBox* list = nullptr;
         QLineEdit* number = nullptr;
         QLineEdit* name = nullptr;
-        std::array<QLineEdit*, 3> gripValue{};
+        std::array<ValueSpinBox*, 3> gripValue{};
         std::array<QScrollBar*, 3> gripBar{};
         QCheckBox* flag = nullptr;
         QCheckBox* disabled = nullptr;
     };
 
     void buildControls();
-    void buildDriverControls(int car, int top);
+    QLayout* buildTeamColumn();
+    QLayout* buildLiveryColumn();
+    QLayout* buildDriverColumn();
+    QLayout* buildDriverControls(int car);
+    // The pictures' heights for the room the layout now gives them.
+    void fitPictures();
     void documentChanged(unsigned what);
     void refreshTeamList();
     void refreshTeam();
@@ -97,7 +110,7 @@ private:
     void driverNumberTyped(int car);
     void driverNameEdited(int car, const QString& text);
     void gripBarMoved(int car, int which, int value);
-    void gripTyped(int car, int which);
+    void valueTypedOutside(ValueSpinBox* field, const ElementRule& rule);
     void flagToggled(int car, bool on);
     int currentDriverNumber(int car) const;
     // Runs an edit of the panel's own making: the panel redraws what it needs itself.
@@ -119,7 +132,7 @@ private:
     QPushButton* carBitmap_ = nullptr;
     QPushButton* undo_ = nullptr;
     QCheckBox* highNose_ = nullptr;
-    std::array<QLabel*, 3> perfValue_{};
+    std::array<ValueSpinBox*, 3> perfValue_{};
     std::array<QScrollBar*, 3> perfBar_{};
     std::array<DriverControls, 2> drivers_{};
     LiveryView* livery_ = nullptr;

@@ -32,7 +32,7 @@ CarBitmapPopup::CarBitmapPopup(const std::function<bool(int)>& enabled, QWidget*
     layout->setSpacing(0);
     for (const PopupButton& entry : kButtons) {
         auto* button = new QPushButton(entry.text, this);
-        button->setFixedSize(100, 21);
+        button->setMinimumWidth(100);
         button->setEnabled(entry.id == 0 || enabled(entry.id));
         const int id = entry.id;
         connect(button, &QPushButton::clicked, this, [this, id] {

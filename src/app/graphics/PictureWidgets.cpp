@@ -5,6 +5,10 @@
 #include "graphics/Palette.h"
 
 #include <QPainter>
+#include <QStyle>
+
+#include <algorithm>
+#include <cmath>
 
 #include <cstring>
 #include <span>
@@ -20,6 +24,8 @@ QList<QRgb> gameColourTable() {
 }
 
 constexpr int kStepsPerTick = 2;
+// Below a screen pixel: what floating-point ratios may miss a whole number by.
+constexpr double kRatioSlack = 1e-6;
 
 }  // namespace
 
@@ -37,8 +43,46 @@ QImage gamePaletteImage(const std::vector<std::uint8_t>& bottomUp, int width, in
     return image;
 }
 
-LiveryView::LiveryView(QWidget* parent) : QWidget(parent) {
-    setFixedSize(kLiveryWidth, kLiveryHeight);
+PixelView::PixelView(QSize picture, int minimumScale, Qt::Alignment alignment, QWidget* parent)
+    : QWidget(parent), picture_(picture), minimumScale_(minimumScale), alignment_(alignment) {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+}
+
+QSize PixelView::sizeHint() const { return scaledSize(smallestScale()); }
+QSize PixelView::minimumSizeHint() const { return scaledSize(smallestScale()); }
+
+// The screen pixels of a widget unit, 1 without a scale factor.
+int PixelView::smallestScale() const {
+    return std::max(1, int(std::ceil(minimumScale_ * devicePixelRatioF() - kRatioSlack)));
+}
+
+int PixelView::scale() const {
+    const double ratio = devicePixelRatioF();
+    const int across = int(std::floor(width() * ratio + kRatioSlack)) / picture_.width();
+    const int down = int(std::floor(height() * ratio + kRatioSlack)) / picture_.height();
+    return std::max(smallestScale(), std::min(across, down));
+}
+
+QSize PixelView::scaledSize(int scale) const {
+    const double ratio = devicePixelRatioF();
+    return {int(std::ceil(picture_.width() * scale / ratio - kRatioSlack)),
+            int(std::ceil(picture_.height() * scale / ratio - kRatioSlack))};
+}
+
+QRect PixelView::pictureRect() const {
+    return QStyle::alignedRect(layoutDirection(), alignment_, scaledSize(scale()), rect());
+}
+
+void PixelView::drawPicture(QPainter& painter, const QImage& image) const {
+    // Enlarged without smoothing in screen pixels, then drawn one to one.
+    const int k = scale();
+    QImage enlarged = image.scaled(image.size() * k, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    enlarged.setDevicePixelRatio(devicePixelRatioF());
+    painter.drawImage(pictureRect().topLeft(), enlarged);
+}
+
+LiveryView::LiveryView(QWidget* parent)
+    : PixelView(QSize(kLiveryWidth, kLiveryHeight), 1, Qt::AlignLeft | Qt::AlignTop, parent) {
     timer_.setInterval(5);
     connect(&timer_, &QTimer::timeout, this, &LiveryView::step);
 }
@@ -77,12 +121,14 @@ void LiveryView::finishReveal() {
 
 void LiveryView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    if (!shown_.isNull()) painter.drawImage(0, 0, shown_);
+    if (!shown_.isNull()) drawPicture(painter, shown_);
 }
 
 void LiveryView::mouseDoubleClickEvent(QMouseEvent*) { emit doubleClicked(); }
 
-HelmetView::HelmetView(QWidget* parent) : QWidget(parent) { setFixedSize(146, 30); }
+// A helmet is small: it is never shown below twice its size.
+HelmetView::HelmetView(QWidget* parent)
+    : PixelView(QSize(kHelmetWidth, kHelmetHeight), 2, Qt::AlignHCenter | Qt::AlignTop, parent) {}
 
 void HelmetView::showHelmet(const std::vector<std::uint8_t>& sheet, int n) {
     if (n < 0 || n >= kHelmetCount || sheet.size() < std::size_t(kHelmetSheetPixels)) {
@@ -99,7 +145,7 @@ void HelmetView::showHelmet(const std::vector<std::uint8_t>& sheet, int n) {
 void HelmetView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), palette().window());
-    if (!helmet_.isNull()) painter.drawImage(rect(), helmet_);
+    if (!helmet_.isNull()) drawPicture(painter, helmet_);
 }
 
 }  // namespace tarvel

@@ -1,6 +1,9 @@
 #pragma once
 // The drawn pictures of the main window: the car livery with its mosaic
-// reveal, and a driver's helmet from the helmet sheet.
+// reveal, and a driver's helmet from the helmet sheet. Both are drawn at the
+// largest whole multiple of their size that fits the room they are given,
+// counted in the screen's own pixels (so that under a scale factor such as
+// 1.5 every picture pixel is still a square of whole screen pixels), never smoothed.
 
 #include "common/Rand.h"
 #include "graphics/MosaicReveal.h"
@@ -18,7 +21,35 @@ namespace tarvel {
 // An 8-bit picture in the game palette as a QImage; `bottomUp` rows of `width` bytes.
 QImage gamePaletteImage(const std::vector<std::uint8_t>& bottomUp, int width, int height);
 
-class LiveryView : public QWidget {
+// A picture of a fixed size in pixels, drawn at a whole multiple of it in
+// screen pixels: as large as the widget allows, and never smaller than
+// `minimumScale` times its size in the widget's own units.
+class PixelView : public QWidget {
+    Q_OBJECT
+public:
+    PixelView(QSize picture, int minimumScale, Qt::Alignment alignment, QWidget* parent);
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+    // The multiple the picture is drawn at (in screen pixels), the room it
+    // takes in the widget's units, and where it lies in the widget.
+    int scale() const;
+    QSize scaledSize(int scale) const;
+    QRect pictureRect() const;
+    QSize pictureSize() const { return picture_; }
+
+protected:
+    // Draws `image` (of the picture's size) at the current multiple.
+    void drawPicture(QPainter& painter, const QImage& image) const;
+
+private:
+    int smallestScale() const;
+
+    QSize picture_;
+    int minimumScale_;
+    Qt::Alignment alignment_;
+};
+
+class LiveryView : public PixelView {
     Q_OBJECT
 public:
     explicit LiveryView(QWidget* parent = nullptr);
@@ -48,7 +79,7 @@ private:
     int next_ = 0;
 };
 
-class HelmetView : public QWidget {
+class HelmetView : public PixelView {
     Q_OBJECT
 public:
     explicit HelmetView(QWidget* parent = nullptr);

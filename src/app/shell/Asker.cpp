@@ -17,6 +17,9 @@
 namespace tarvel {
 namespace {
 
+// The caption of errors and questions.
+const char* const kProgramCaption = "Tarvel-32";
+
 QMessageBox::StandardButtons standardButtons(Buttons buttons) {
     switch (buttons) {
         case Buttons::Ok: return QMessageBox::Ok;
@@ -64,7 +67,7 @@ Answer QtAsker::show(QWidget* parent, MessageKind kind, const QString& body, con
         case MessageKind::Error:
             QApplication::beep();
             box.setIcon(QMessageBox::Warning);
-            box.setWindowTitle(QApplication::applicationDisplayName());
+            box.setWindowTitle(kProgramCaption);
             break;
         case MessageKind::Information:
             box.setIcon(QMessageBox::Information);
@@ -72,7 +75,7 @@ Answer QtAsker::show(QWidget* parent, MessageKind kind, const QString& body, con
             break;
         case MessageKind::Question:
             box.setIcon(QMessageBox::Question);
-            box.setWindowTitle(QApplication::applicationDisplayName());
+            box.setWindowTitle(kProgramCaption);
             break;
     }
     QCheckBox* check = nullptr;

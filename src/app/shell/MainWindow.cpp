@@ -14,11 +14,16 @@
 #include <QDropEvent>
 #include <QLayout>
 #include <QMenu>
+#include <QGuiApplication>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QProcess>
+#include <QScreen>
+#include <QStyle>
 #include <QToolBar>
 #include <QUrl>
+
+#include <algorithm>
 
 namespace tarvel {
 namespace {
@@ -58,11 +63,9 @@ MainWindow::MainWindow(Session& session, Asker& asker, QWidget* parent)
         if (what & (Document::File | Document::Autofile)) setWindowTitle(document_->title());
         updateCommandStates();
     });
-    setWindowFlags(windowFlags() & ~Qt::WindowMaximizeButtonHint);
     setWindowTitle(document_->title());
     panel_->refreshAll(false);
     updateCommandStates();
-    layout()->setSizeConstraint(QLayout::SetFixedSize);
 }
 
 MainWindow::~MainWindow() = default;
@@ -90,9 +93,8 @@ void MainWindow::buildMenus() {
         if (separatorBefore && !parent->isEmpty()) parent->addSeparator();
         return parent;
     };
-    // The toolbar sits in the top band of the window's client area, above the controls.
-    auto* toolbar = new QToolBar("Commands", panel_);
-    toolbar->setGeometry(0, 0, TeamPanel::kWidth, 28);
+    QToolBar* toolbar = addToolBar("Commands");
+    toolbar->setObjectName("Commands");
     toolbar->setMovable(false);
     toolbar->setIconSize(QSize(16, 16));
     for (const Command* entry : commands_.inMenuOrder()) {
@@ -165,17 +167,55 @@ void MainWindow::startUp(const QString& commandLine) {
         }
     }
     updateCommandStates();
-    show();
+    const bool maximized = restorePlacement();
+    if (maximized)
+        showMaximized();
+    else
+        show();
     panel_->teamList()->setFocus();
     if (session.config.gameFolder.empty() || !session.gameKnown()) runCommand(command::ProgramConfiguration);
     showInformationIfWanted(bench_);
 }
 
+bool MainWindow::restorePlacement() {
+    const std::optional<WindowPlacement> saved = bench_.session.readWindowPlacement();
+    if (!saved) return false;
+    document_->setCurrentTeam(std::clamp(saved->team, 0, kRacingTeams - 1));
+    panel_->refreshAll(false);   // its livery at once, not revealed
+    // On the screen that holds the middle of the saved rectangle, else on the
+    // primary one (a monitor may have gone since).
+    const WindowRect rect = saved->rect();
+    const QScreen* screen = QGuiApplication::screenAt(QPoint(rect.x + rect.width / 2, rect.y + rect.height / 2));
+    if (!screen) screen = QGuiApplication::primaryScreen();
+    if (screen) {
+        // The frame is not known before the window is first shown: allow for a
+        // title bar above the client area, as tall as the style draws one, so
+        // that it stays on the screen too.
+        const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this);
+        const QRect area = screen->availableGeometry();
+        const WindowRect fitted = fitOnScreen(WindowRect{rect.x, rect.y - titleBar, rect.width, rect.height + titleBar},
+                                              WindowRect{area.x(), area.y(), area.width(), area.height()});
+        setGeometry(fitted.x, fitted.y + titleBar, fitted.width, fitted.height - titleBar);
+    }
+    return saved->maximized;
+}
+
+WindowPlacement MainWindow::placement() const {
+    // The client area's rectangle, as setGeometry() takes it back; a maximised
+    // window keeps the rectangle it returns to.
+    const QRect normal = isMaximized() ? normalGeometry() : geometry();
+    return WindowPlacement{normal.x(), normal.y(), normal.width(), normal.height(), isMaximized(),
+                           document_->currentTeam()};
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
-    if (maybeSave(bench_))
-        event->accept();
-    else
+    if (!maybeSave(bench_)) {
         event->ignore();
+        return;
+    }
+    if (const Status written = bench_.session.writeWindowPlacement(placement()); !written)
+        showMessage(bench_, written.error());
+    event->accept();
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

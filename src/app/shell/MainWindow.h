@@ -1,10 +1,13 @@
 #pragma once
 // The main window: the menu bar and toolbar built from the command registry,
 // the team panel, start-up, and the close and drop events. What each command
-// does lives in its feature folder.
+// does lives in its feature folder. It opens where it was closed (the
+// configuration's section "Window"), resizes and maximises.
 
 #include "shell/Command.h"
 #include "shell/Workbench.h"
+
+#include "common/WindowPlacement.h"
 
 #include <QMainWindow>
 
@@ -56,6 +59,10 @@ public:
     // Opens the first local file of a drop (after the save question).
     bool openDropped(const QList<QUrl>& urls);
 
+    // Where the window is now (its normal rectangle when maximised) and the
+    // team on show: what closing keeps in the configuration.
+    WindowPlacement placement() const;
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -65,6 +72,9 @@ private:
     void buildMenus();
     // Fills a submenu whose entries change (the recent car sets) as it opens.
     void fillSubmenu(QMenu* submenu, int id);
+    // Applies the saved placement, kept on a screen, and its team; true when
+    // the window is to open maximised.
+    bool restorePlacement();
 
     std::unique_ptr<Document> document_;
     CommandRegistry commands_;

@@ -50,6 +50,15 @@ bool Session::removeAutoFile() const {
     return ini.deleteKey("Files", "AutoFile");
 }
 
+std::optional<WindowPlacement> Session::readWindowPlacement() const {
+    return tarvel::readWindowPlacement(IniFile(configPath));
+}
+
+Status Session::writeWindowPlacement(const WindowPlacement& placement) const {
+    IniFile ini(configPath);
+    return tarvel::writeWindowPlacement(ini, placement);
+}
+
 void Session::detectGame() {
     gameVersion = config.gameFolder.empty() ? -1 : DetectGameVersion(config.gameFolder);
     detectStateFile();

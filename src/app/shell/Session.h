@@ -4,11 +4,13 @@
 
 #include "common/Config.h"
 #include "common/Rand.h"
+#include "common/WindowPlacement.h"
 
 #include <ctime>
 #include <filesystem>
 #include <string>
 #include <vector>
+#include <optional>
 
 namespace tarvel {
 
@@ -38,6 +40,9 @@ struct Session {
     // written it still holds for this run, and nothing is said.
     void rememberRecentFile(const std::string& path);
     void forgetRecentFile(const std::string& path);
+    // Where the main window was when it last closed (section "Window").
+    std::optional<WindowPlacement> readWindowPlacement() const;
+    [[nodiscard]] Status writeWindowPlacement(const WindowPlacement& placement) const;
 
     // Detects the release of the configured game and whether its state file
     // is valid; -1 without a game folder.

@@ -75,8 +75,9 @@ void removeWorkingFolder(const Session& session) {
 
 int runEditor(int argc, char** argv) {
     QApplication app(argc, argv);
+    // No display name: Qt would append it to every window title, and the
+    // titles are the program's own texts.
     QApplication::setApplicationName("Tarvel");
-    QApplication::setApplicationDisplayName("Tarvel-32");
     Session session;
     prepareSession(session, std::filesystem::path(QCoreApplication::applicationDirPath().toStdString()),
                    static_cast<long long>(std::time(nullptr)));

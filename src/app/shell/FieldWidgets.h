@@ -1,0 +1,56 @@
+#pragma once
+// Small input widgets the editors share: a spin box that lets a value outside
+// its range be typed so that the range message can name it, a validator that
+// counts text as the model stores it, and a line edit sized for a sample text.
+
+#include <QLineEdit>
+#include <QSpinBox>
+#include <QValidator>
+
+namespace tarvel {
+
+// The keys take any whole number. When editing ends (Return or leaving the
+// field) on a number inside the range, the value changes as in any spin box;
+// an empty field counts as 0; any other text leaves the value as it was and
+// emits typedOutside() after editingFinished().
+class ValueSpinBox : public QSpinBox {
+    Q_OBJECT
+public:
+    explicit ValueSpinBox(QWidget* parent = nullptr);
+
+signals:
+    void typedOutside();
+
+protected:
+    QValidator::State validate(QString& text, int& pos) const override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    // Prepares the typed text for the spin box's own handling; true when it lies outside the range.
+    bool typedTextOutside();
+};
+
+// Accepts text whose Windows-1252 form, as the model keeps it, has at most `bytes` bytes.
+class ModelTextValidator : public QValidator {
+    Q_OBJECT
+public:
+    ModelTextValidator(int bytes, QObject* parent);
+    State validate(QString& text, int& pos) const override;
+
+private:
+    int bytes_;
+};
+
+// A line edit whose preferred width holds `sample` in its current font.
+class SizedLineEdit : public QLineEdit {
+    Q_OBJECT
+public:
+    SizedLineEdit(const QString& sample, QWidget* parent);
+    QSize sizeHint() const override;
+
+private:
+    QString sample_;
+};
+
+}  // namespace tarvel
