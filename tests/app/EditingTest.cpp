@@ -184,6 +184,30 @@ TEST_F(EditingTest, FiguresBesideTheScrollBarsAreTypedWithinTheirRange) {
     EXPECT_EQ(random->text(), "0");
 }
 
+// Text outside the range is marked while it is typed; a click that takes the
+// focus elsewhere still does its work, and the range message follows it.
+TEST_F(EditingTest, OutsideTextIsMarkedAtOnceAndAClickElsewhereIsNotLost) {
+    window().show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    ValueSpinBox* power = panel().performanceValue(0);
+    power->setFocus();
+    power->selectAll();
+    QTest::keyClicks(power, "1580");
+    EXPECT_TRUE(power->markedOutside());
+    EXPECT_EQ(power->toolTip(), "Engine Power : 0 to 1579.");
+    QTest::keyClick(power, Qt::Key_Backspace);
+    EXPECT_FALSE(power->markedOutside());
+    QTest::keyClicks(power, "9");
+    const auto nose = set().team(0).highNose;
+    QTest::mouseClick(panel().highNose(), Qt::LeftButton);
+    EXPECT_NE(set().team(0).highNose, nose);   // the click did its work
+    EXPECT_TRUE(asker.texts.empty());
+    for (int wait = 0; wait < 100 && asker.texts.empty(); ++wait) QTest::qWait(10);
+    EXPECT_EQ(asker.texts, std::vector<std::string>{"Engine Power : 0 to 1579."});
+    EXPECT_FALSE(power->markedOutside());
+    EXPECT_EQ(set().team(0).powerRace, 760);
+}
+
 TEST_F(EditingTest, PerformanceBarsAndHighNoseWriteTheCurrentTeam) {
     panel().selectTeam(4);
     panel().performanceBar(0)->setValue(1500);

@@ -1,5 +1,7 @@
 #include "carset/TeamPanel.h"
 
+#include "common/CodePage.h"
+
 #include "carset/TeamList.h"
 #include "graphics/CarBitmapPopup.h"
 #include "graphics/PictureWidgets.h"
@@ -100,6 +102,11 @@ QLayout* sliderRow(QLabel* caption, ValueSpinBox* value, QScrollBar* bar) {
 }
 
 // The figure beside a scroll bar: it looks like the text it replaces and takes typed values.
+// The range message as the field's tool tip while its text lies outside.
+QString rangeHint(const ElementRule& field, bool highGrip) {
+    return QString::fromStdString(windows1252ToUtf8(messageText(rangeMessage(field, highGrip))));
+}
+
 ValueSpinBox* sliderValue(QWidget* parent) {
     auto* value = new ValueSpinBox(parent);
     value->setButtonSymbols(QAbstractSpinBox::NoButtons);
@@ -210,9 +217,11 @@ QLayout* TeamPanel::buildLiveryColumn() {
         const FieldRange range = displayRange(*field, false);
         bar->setRange(range.low, range.high);
         value->setRange(range.low, range.high);
+        value->setRangeHint(rangeHint(*field, false));
         connect(bar, &QScrollBar::valueChanged, this, [this, i](int v) { performanceChanged(i, v); });
         connect(value, &QSpinBox::valueChanged, bar, &QScrollBar::setValue);
-        connect(value, &ValueSpinBox::typedOutside, this, [this, value, field] { valueTypedOutside(value, *field); });
+        connect(value, &ValueSpinBox::typedOutside, this,
+                [this, value, field](bool refocus) { valueTypedOutside(value, *field, refocus); });
         column->addLayout(sliderRow(new QLabel(caption(performanceSpec(i)), this), value, bar));
         perfValue_[std::size_t(i)] = value;
         perfBar_[std::size_t(i)] = bar;
@@ -265,7 +274,8 @@ QLayout* TeamPanel::buildDriverControls(int car) {
         const ElementRule* field = &rule(gripSpec(w));
         connect(bar, &QScrollBar::valueChanged, this, [this, car, w](int v) { gripBarMoved(car, w, v); });
         connect(value, &QSpinBox::valueChanged, bar, &QScrollBar::setValue);
-        connect(value, &ValueSpinBox::typedOutside, this, [this, value, field] { valueTypedOutside(value, *field); });
+        connect(value, &ValueSpinBox::typedOutside, this,
+                [this, value, field](bool refocus) { valueTypedOutside(value, *field, refocus); });
         block->addLayout(sliderRow(new QLabel(caption(gripSpec(w)), this), value, bar));
         d.gripValue[std::size_t(w)] = value;
         d.gripBar[std::size_t(w)] = bar;
@@ -395,6 +405,7 @@ void TeamPanel::refreshDriver(int car) {
         d.gripBar[std::size_t(w)]->setRange(range.low, range.high);
         d.gripBar[std::size_t(w)]->setValue(shown);
         d.gripValue[std::size_t(w)]->setRange(range.low, range.high);
+        d.gripValue[std::size_t(w)]->setRangeHint(rangeHint(grip, high));
         d.gripValue[std::size_t(w)]->setValue(shown);
         d.gripBar[std::size_t(w)]->setEnabled(valid);
         d.gripValue[std::size_t(w)]->setEnabled(valid);
@@ -506,8 +517,9 @@ void TeamPanel::gripBarMoved(int car, int which, int value) {
 }
 
 // The value stays as it was; the message names the field's range in the form it is shown.
-void TeamPanel::valueTypedOutside(ValueSpinBox* field, const ElementRule& rule) {
+void TeamPanel::valueTypedOutside(ValueSpinBox* field, const ElementRule& rule, bool refocus) {
     showMessage(bench_, rangeMessage(rule, bench_.session.config.highGrip));
+    if (!refocus) return;   // a click took the focus elsewhere and did its work
     field->setFocus();
     field->selectAll();
 }

@@ -110,7 +110,7 @@ private:
     void driverNumberTyped(int car);
     void driverNameEdited(int car, const QString& text);
     void gripBarMoved(int car, int which, int value);
-    void valueTypedOutside(ValueSpinBox* field, const ElementRule& rule);
+    void valueTypedOutside(ValueSpinBox* field, const ElementRule& rule, bool refocus);
     void flagToggled(int car, bool on);
     int currentDriverNumber(int car) const;
     // Runs an edit of the panel's own making: the panel redraws what it needs itself.

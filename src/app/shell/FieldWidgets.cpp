@@ -2,7 +2,9 @@
 
 #include "shell/Workbench.h"
 
+#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QTimer>
 
 #include <optional>
 
@@ -21,6 +23,26 @@ std::optional<long long> typedNumber(const QLocale& locale, const QString& text)
 ValueSpinBox::ValueSpinBox(QWidget* parent) : QSpinBox(parent) {
     // One change when editing ends, not one per key.
     setKeyboardTracking(false);
+    connect(lineEdit(), &QLineEdit::textEdited, this, [this](const QString& text) {
+        const QString typed = text.trimmed();
+        const auto value = typedNumber(locale(), typed);
+        markOutside(!typed.isEmpty() && (!value || *value < minimum() || *value > maximum()));
+    });
+}
+
+void ValueSpinBox::markOutside(bool outside) {
+    if (outside == markedOutside_) return;
+    markedOutside_ = outside;
+    setStyleSheet(outside ? "QSpinBox { background: #ffd0d0; }" : QString());
+    setToolTip(outside ? rangeHint_ : QString());
+}
+
+void ValueSpinBox::reportAfterClick() {
+    if (QGuiApplication::mouseButtons() != Qt::NoButton) {
+        QTimer::singleShot(10, this, &ValueSpinBox::reportAfterClick);
+        return;
+    }
+    emit typedOutside(false);
 }
 
 QValidator::State ValueSpinBox::validate(QString& text, int&) const {
@@ -47,7 +69,12 @@ bool ValueSpinBox::typedTextOutside() {
 void ValueSpinBox::focusOutEvent(QFocusEvent* event) {
     const bool outside = typedTextOutside();
     QSpinBox::focusOutEvent(event);
-    if (outside) emit typedOutside();
+    markOutside(false);
+    if (!outside) return;
+    if (event->reason() == Qt::MouseFocusReason)
+        QTimer::singleShot(0, this, &ValueSpinBox::reportAfterClick);
+    else if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason)
+        emit typedOutside(true);
 }
 
 void ValueSpinBox::keyPressEvent(QKeyEvent* event) {
@@ -57,7 +84,8 @@ void ValueSpinBox::keyPressEvent(QKeyEvent* event) {
     }
     const bool outside = typedTextOutside();
     QSpinBox::keyPressEvent(event);
-    if (outside) emit typedOutside();
+    markOutside(false);
+    if (outside) emit typedOutside(true);
 }
 
 ModelTextValidator::ModelTextValidator(int bytes, QObject* parent) : QValidator(parent), bytes_(bytes) {}

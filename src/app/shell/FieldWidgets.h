@@ -12,14 +12,21 @@ namespace tarvel {
 // The keys take any whole number. When editing ends (Return or leaving the
 // field) on a number inside the range, the value changes as in any spin box;
 // an empty field counts as 0; any other text leaves the value as it was and
-// emits typedOutside() after editingFinished().
+// emits typedOutside() after editingFinished(). While text outside the range
+// is being typed the field is marked at once (a red background, the range as
+// its tool tip). When a mouse click moved the focus away, typedOutside(false)
+// waits until the click is over, so that the click still does its work.
 class ValueSpinBox : public QSpinBox {
     Q_OBJECT
 public:
     explicit ValueSpinBox(QWidget* parent = nullptr);
+    // The words that name the range, shown while the text lies outside it.
+    void setRangeHint(const QString& hint) { rangeHint_ = hint; }
+    bool markedOutside() const { return markedOutside_; }
 
 signals:
-    void typedOutside();
+    // `refocus`: the field should take the focus back (Return or a key moved it).
+    void typedOutside(bool refocus);
 
 protected:
     QValidator::State validate(QString& text, int& pos) const override;
@@ -29,6 +36,12 @@ protected:
 private:
     // Prepares the typed text for the spin box's own handling; true when it lies outside the range.
     bool typedTextOutside();
+    void markOutside(bool outside);
+    // Emits typedOutside(false) once no mouse button is held any more.
+    void reportAfterClick();
+
+    QString rangeHint_;
+    bool markedOutside_ = false;
 };
 
 // Accepts text whose Windows-1252 form, as the model keeps it, has at most `bytes` bytes.
