@@ -59,6 +59,17 @@ TEST_F(HistoryTest, EditMenuNamesTheStepsAndTheKeysWalkThem) {
     EXPECT_FALSE(window().document().isDirty());                   // back where the set was opened
     EXPECT_FALSE(undo()->isEnabled());
     EXPECT_EQ(undo()->text(), "&Undo");
+
+    // The keys reach the commands from anywhere in the window.
+    window().show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    panel().teamList()->setFocus();
+    QTest::keyClick(&window(), Qt::Key_Y, Qt::ControlModifier);
+    EXPECT_EQ(team(0), "Abc");
+    QTest::keyClick(&window(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(team(0), first);
+    QTest::keyClick(&window(), Qt::Key_O, Qt::ControlModifier);   // the open dialog, cancelled
+    EXPECT_EQ(asker.fileTitles, std::vector<QString>{"Open Car Set"});
 }
 
 TEST_F(HistoryTest, RecentCarSetsKeepTheNewestAndOfferToForgetMissingOnes) {
