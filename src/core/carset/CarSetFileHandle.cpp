@@ -23,11 +23,16 @@ namespace {
 Result<Bytes> readSoundFile(const fs::path& path) {
     std::error_code ec;
     if (!fs::exists(path, ec)) return fail(MessageId::FileNotFound, path.string());
+    auto refused = [&](std::string reason) {
+        return fail(aboutFile(Message{MessageId::CouldntLoadSound, {}, std::move(reason)}, path));
+    };
     auto data = readWholeFile(path);
-    if (!data) return fail(MessageId::CouldntLoadSound);
-    if (data->size() < 8 || std::memcmp(data->data(), "RIFF", 4) != 0) return fail(MessageId::CouldntLoadSound);
+    if (!data) return refused("the file could not be read");
+    if (data->size() < 8 || std::memcmp(data->data(), "RIFF", 4) != 0) return refused("not a RIFF WAVE sound file");
     std::uint64_t length = std::uint64_t(loadU32(data->data() + 4)) + 8;
-    if (length > data->size()) return fail(MessageId::CouldntLoadSound);
+    if (length > data->size())
+        return refused("the file ends at byte " + groupedNumber(data->size()) + " inside its sound data (" +
+                       groupedNumber(length) + " bytes announced)");
     data->resize(std::size_t(length));
     return std::move(*data);
 }

@@ -228,6 +228,24 @@ TEST_F(CarSetAssets, FailedSaveLeavesTheOldFileAndTheModel) {
     EXPECT_EQ(edited.sounds[5].status, kAssetExternal);
     EXPECT_EQ(edited.sounds[5].path, copy.sounds[5].path);
     EXPECT_EQ(edited.storedItems, copy.storedItems);
+    // A damaged sound says why.
+    const Bytes wave = makeWave(300, 1);
+    const struct {
+        Bytes file;
+        const char* reason;
+    } sounds[] = {
+        {Bytes{'R', 'I', 'F'}, "bad.wav: not a RIFF WAVE sound file"},
+        {Bytes(wave.begin(), wave.begin() + 100),
+         "bad.wav: the file ends at byte 100 inside its sound data (344 bytes announced)"},
+    };
+    for (const auto& c : sounds) {
+        test::writeFileBytes(dir / "bad.wav", c.file);
+        external(edited.sounds[5], "bad.wav");
+        auto refused = saveCarSet(edited, dir / "set.gp2", checked());
+        ASSERT_FALSE(refused);
+        EXPECT_EQ(refused.error().id, MessageId::CouldntLoadSound);
+        EXPECT_EQ(refused.error().detail, c.reason);
+    }
     // A folder that does not exist cannot take the file, and no temporary file is left.
     edited.sounds[5] = AssetSlot{};
     EXPECT_EQ(saveCarSet(edited, dir / "no-such-folder" / "x.gp2", checked()).error().id, MessageId::CouldntSaveCarSet);
