@@ -10,6 +10,7 @@
 #include "graphics/Bitmap.h"
 #include "graphics/Jam.h"
 #include "graphics/MenuHelmet.h"
+#include "graphics/PaletteMapping.h"
 
 #include <gtest/gtest.h>
 
@@ -60,11 +61,13 @@ TEST_F(GraphicsCli, LiveryFailuresAndUsage) {
     ASSERT_TRUE(SaveBitmap8(at("small.bmp"), BitmapBuffer(256, 163), {}));
     auto refused = cli({"livery", "import", set, "0", at("small.bmp"), "-o", at("out.gp2")});
     EXPECT_EQ(refused.status, kExitFailed);
-    EXPECT_EQ(refused.err, "Couldn't Load Bitmap.\n");
+    EXPECT_EQ(refused.err, "Couldn't Load Bitmap.\nsmall.bmp: 256 x 163 pixels; a livery is 256 x 164\n");
     EXPECT_FALSE(fs::exists(at("out.gp2")));
     const std::vector<std::string> usage[] = {{"livery", "export", set, "14", at("x.bmp")},
                                               {"livery", "export", set, "zero", at("x.bmp")},
                                               {"livery", "import", set, "0", at("small.bmp")},   // -o is required
+                                              {"livery", "import", set, "0", at("small.bmp"), "-o", at("x"), "--dither"},
+                                              {"livery", "export", set, "0", at("x.bmp"), "--remap"},
                                               {"jam", "info", "218"}};
     for (const auto& args : usage) EXPECT_EQ(cli(args).status, kExitUsage) << args[3];
     EXPECT_FALSE(fs::exists(at("x.bmp")));
@@ -129,6 +132,84 @@ TEST_F(GraphicsCli, MenuHelmetDecodeAndPatch) {
     EXPECT_TRUE(samePixels(*decoded, *picture));
     EXPECT_NE(*after, before);
     EXPECT_EQ(cli({"menuhelmet", "patch", "--game", game.string(), "28", at("m2.bmp")}).status, kExitUsage);
+}
+
+// Every command that takes a picture refuses a true-colour one without
+// --remap, saying how to ask for it; with --remap (and --dither) it gives what
+// the same command gives for an 8-bit bitmap of the mapped picture.
+TEST_F(GraphicsCli, PictureCommandsTakeTrueColourWithRemap) {
+    const std::string set = newSet();
+    auto picture = [](int width, int height) {
+        return test::rgbaPicture(width, height, [](int x, int y) {
+            return std::uint32_t(x * 0x10305 + y * 0x70300) << 8 | (x < 3 && y < 3 ? 0 : 255);
+        });
+    };
+    auto setPixels = [&](const std::string& file, bool sheet) {
+        CarSet s = loaded(file);
+        return sheet ? s.helmetSheet : s.liveries[4];
+    };
+    auto gameFile = [&](const std::string& game, const char* file) { return *readWholeFile(fs::path(game) / file); };
+    struct Case {
+        std::vector<std::string> command;   // before the picture and the options
+        bool toSet;                         // -o OUT.GP2, else --game
+        int width, height;
+        PicturePalette palette;
+        Bytes (*write)(const RgbaPicture&);
+        bool dither;
+        std::function<Bytes(const std::string&)> result;
+    };
+    const Case cases[] = {
+        {{"livery", "import", set, "4"}, true, 256, 164, PicturePalette::Game, [](const RgbaPicture& p) { return test::pngFile(p); },
+         false, [&](const std::string& out) { return setPixels(out, false); }},
+        {{"helmets", "import", set}, true, 256, 180, PicturePalette::Game,
+         [](const RgbaPicture& p) { return test::trueColourBmp(p, 32, true); }, true,
+         [&](const std::string& out) { return setPixels(out, true); }},
+        {{"jam", "patch", "0"}, false, 256, 164, PicturePalette::Game,
+         [](const RgbaPicture& p) { return test::trueColourBmp(p, 24); }, false,
+         [&](const std::string& game) { return gameFile(game, "GAMEJAMS/WILLIAMS.JAM"); }},
+        {{"menuhelmet", "patch", "5"}, false, 104, 104, PicturePalette::Menu, [](const RgbaPicture& p) { return test::pngFile(p); },
+         true, [&](const std::string& game) { return gameFile(game, "BITMAPS/F1PCSVGA.BIN"); }},
+    };
+    int n = 0;
+    for (const Case& c : cases) {
+        const std::string label = c.command[0] + " " + c.command[1];
+        const RgbaPicture p = picture(c.width, c.height);
+        const std::string in = at("in" + std::to_string(n) + (c.write == cases[0].write ? ".png" : ".bmp"));
+        const Bytes file = c.write(p);
+        test::writeFileBytes(in, file);
+        const BitmapBuffer mapped = mapToPalette(*decodeRgbaPicture(file, c.width, c.height), c.palette, c.dither);
+        ASSERT_TRUE(writeFileAtomically(at("mapped.bmp"), encodeBitmapKeepingPalette(mapped)));
+        auto run = [&](const std::string& file, std::vector<std::string> options) {
+            const std::string target = at("target" + std::to_string(n++));
+            if (!c.toSet) {
+                test::writeJamFile(target, 0, 4);
+                test::writeMenuFile(target, 6);
+            }
+            std::vector<std::string> args = c.command;
+            if (!c.toSet) args.insert(args.begin() + 2, {"--game", target});
+            args.push_back(file);
+            if (c.toSet) options.insert(options.begin(), {"-o", target});
+            args.insert(args.end(), options.begin(), options.end());
+            return std::pair{cli(args), target};
+        };
+        auto [refused, untouched] = run(in, {});
+        EXPECT_EQ(refused.status, kExitFailed) << label;
+        EXPECT_TRUE(refused.err.starts_with("Couldn't Load Bitmap.\n" + fs::path(in).filename().string() + ": ")) << refused.err;
+        EXPECT_TRUE(refused.err.ends_with("; use --remap to map its colours to the " + std::string(paletteName(c.palette)) +
+                                          " palette\n"))
+            << refused.err;
+        std::vector<std::string> remap{"--remap"};
+        if (c.dither) remap.push_back("--dither");
+        auto [remapped, viaRemap] = run(in, remap);
+        ASSERT_EQ(remapped.status, kExitOk) << label << remapped.err;
+        auto [plain, viaIndices] = run(at("mapped.bmp"), {});
+        ASSERT_EQ(plain.status, kExitOk) << label << plain.err;
+        EXPECT_EQ(c.result(viaRemap), c.result(viaIndices)) << label;
+        if (c.toSet)
+            EXPECT_FALSE(fs::exists(untouched)) << label;
+        else
+            EXPECT_NE(c.result(viaRemap), c.result(untouched)) << label;
+    }
 }
 
 }  // namespace
