@@ -147,11 +147,11 @@ int runMenuPatch(Context& context, const std::vector<std::string>& args) {
 
 }  // namespace
 
-// The picture commands' common help on --remap.
-#define REMAP_HELP                                                                          \
-    "\n--remap also takes a 24- or 32-bit BMP or a PNG and maps its colours to the\n"      \
-    "palette (nearest colour; --dither spreads the error, Floyd-Steinberg); an 8-bit\n" \
-    "bitmap then has its colours mapped instead of its indices taken."
+// The picture commands' common help on --remap, for the game or menu palette.
+#define REMAP_HELP(palette)                                                           \
+    "\nWith --remap it also takes a 24- or 32-bit BMP or a PNG, mapping its colours\n" \
+    "to the " palette " palette (nearest colour, or Floyd-Steinberg dithering with\n"   \
+    "--dither); an 8-bit bitmap then has its colours mapped, not its indices taken."
 
 std::vector<Command> graphicsCommands() {
     return {
@@ -161,13 +161,13 @@ std::vector<Command> graphicsCommands() {
          runLiveryExport},
         {"livery import", "SET TEAM IN.BMP -o OUT.GP2 [--remap [--dither]]", "takes a team's livery from a bitmap",
          "Loads a 256 x 164 8-bit bitmap as team TEAM's (0-13) livery and saves the car\n"
-         "set as OUT.GP2." REMAP_HELP,
+         "set as OUT.GP2." REMAP_HELP("game"),
          runLiveryImport},
         {"helmets export", "SET OUT.BMP", "writes the helmet sheet as a 256 x 180 bitmap",
          "Writes the car set's helmet sheet (28 helmets of 74 x 15) as an 8-bit bitmap.", runHelmetsExport},
         {"helmets import", "SET IN.BMP -o OUT.GP2 [--remap [--dither]]", "takes the helmet sheet from a bitmap",
          "Loads a 256 x 180 8-bit bitmap as the helmet sheet and saves the car set as\n"
-         "OUT.GP2." REMAP_HELP,
+         "OUT.GP2." REMAP_HELP("game"),
          runHelmetsImport},
         {"jam info", "NUMBER", "prints the catalogue entry of a game JAM file",
          "Prints the path below GAMEJAMS, canvas height, image count and max palette of\n"
@@ -183,7 +183,7 @@ std::vector<Command> graphicsCommands() {
          runJamDecode},
         {"jam patch", "--game DIR NUMBER IN.BMP [--remap [--dither]]", "rebuilds a game JAM file from a bitmap",
          "Rebuilds the game's JAM file NUMBER (0-217) in DIR, in place, from a 256-wide\n"
-         "8-bit bitmap of its canvas height. Uses the FixStrip and FixGreen settings." REMAP_HELP,
+         "8-bit bitmap of its canvas height. Uses the FixStrip and FixGreen settings." REMAP_HELP("game"),
          runJamPatch},
         {"menuhelmet decode", "--game DIR SLOT OUT.BMP", "writes a driver menu helmet as a bitmap",
          "Writes menu helmet SLOT (0-27) of the game's BITMAPS\\F1PCSVGA.BIN as a\n"
@@ -191,8 +191,7 @@ std::vector<Command> graphicsCommands() {
          runMenuDecode},
         {"menuhelmet patch", "--game DIR SLOT IN.BMP [--remap [--dither]]", "replaces a driver menu helmet from a bitmap",
          "Codes a 104 x 104 8-bit bitmap and replaces menu helmet SLOT (0-27) of the\n"
-         "game's F1PCSVGA.BIN in place. Menu pictures use the menu palette: --remap maps\n"
-         "to it." REMAP_HELP,
+         "game's F1PCSVGA.BIN in place." REMAP_HELP("menu"),
          runMenuPatch},
     };
 }
