@@ -6,6 +6,7 @@
 #include "graphics/PictureFile.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <system_error>
 
@@ -102,7 +103,7 @@ Result<BitmapBuffer> decodeBitmap8(std::span<const std::uint8_t> file, int width
     if (header->width == width && header->height == -height)
         return pictureRefusal("rows stored top row first; Tarvel needs 8-bit bitmaps stored bottom row first");
     if (header->width != width || header->height != height)
-        return pictureRefusal(sizeReason(header->width, header->height, width, height));
+        return pictureRefusal(sizeReason(header->width, std::abs(static_cast<long long>(header->height)), width, height));
     if (header->coloursUsed > 256)
         return pictureRefusal("the header names " + withThousands(header->coloursUsed) +
                               " palette colours; an 8-bit bitmap has at most 256");

@@ -158,6 +158,7 @@ TEST(PictureFile, RefusalsSayWhichFileAndWhy) {
         Bytes file;
         bool remap;
         std::string detail;
+        int height = 164;
     };
     const Case cases[] = {
         {"HELMETS.BMP", Bytes{'G', 'I', 'F', '8'}, false, "HELMETS.BMP: not a BMP file"},
@@ -177,6 +178,7 @@ TEST(PictureFile, RefusalsSayWhichFileAndWhy) {
         {"O.BMP", poked(eightBit, 14, 12, 4), false, "O.BMP: an information header of 12 bytes; Tarvel reads Windows bitmaps, whose header has 40 bytes or more"},
         {"P.BMP", poked(eightBit, 46, 300, 4), true, "P.BMP: the header names 300 palette colours; an 8-bit bitmap has at most 256"},
         {"D.BMP", poked(eightBit, 22, std::uint32_t(-164), 4), false, "D.BMP: rows stored top row first; Tarvel needs 8-bit bitmaps stored bottom row first"},
+        {"D.BMP", poked(eightBit, 22, std::uint32_t(-164), 4), false, "D.BMP: 256 x 164 pixels; the helmet sheet is 256 x 180", 180},
         {"S.BMP", poked(eightBit, 10, 50, 4), false, "S.BMP: the pixel rows start at byte 50, inside the header"},
         {"B.PNG", damagedPng, true, "B.PNG: a damaged PNG file ("},
     };
@@ -184,7 +186,7 @@ TEST(PictureFile, RefusalsSayWhichFileAndWhy) {
         writeFileBytes(dir / c.name, c.file);
         RemapOptions options{.remap = c.remap};
         options.hint = "use --remap to map its colours to the game palette";
-        auto loaded = LoadPictureForGame(dir / c.name, 256, 164, options);
+        auto loaded = LoadPictureForGame(dir / c.name, 256, c.height, options);
         ASSERT_FALSE(loaded) << c.detail;
         EXPECT_EQ(messageText(loaded.error()), "Couldn't Load Bitmap.");
         EXPECT_TRUE(loaded.error().detail.starts_with(c.detail)) << loaded.error().detail;
