@@ -27,26 +27,23 @@ RgbaPicture ramp(int width, int height) {
 
 Bytes pixelsOf(const BitmapBuffer& b) { return Bytes(b.pixels(), b.pixels() + b.pixelBytes()); }
 
+// Both pictures at twice their size, unsmoothed; the box maps again with dithering.
 TEST(RemapDialog, ShowsBothPicturesDoubledAndRemapsWithDithering) {
     const RgbaPicture picture = ramp(40, 12);
     RemapDialog dialog(picture, PicturePalette::Game);
     EXPECT_EQ(dialog.windowTitle(), "Map to Game Palette");
     EXPECT_EQ(dialog.originalView()->pixmap().size(), QSize(80, 24));
-    EXPECT_EQ(pixelsOf(dialog.mapped()), pixelsOf(mapToPalette(picture, PicturePalette::Game, false)));
-    auto shownIndex = [&](int x, int y) {
+    for (bool dither : {false, true}) {
+        dialog.ditherBox()->setChecked(dither);
+        const BitmapBuffer expected = mapToPalette(picture, PicturePalette::Game, dither);
+        EXPECT_EQ(pixelsOf(dialog.mapped()), pixelsOf(expected));
         const QImage shown = dialog.mappedView()->pixmap().toImage();
-        const QRgb colour = shown.pixel(2 * x + 1, 2 * y + 1);
-        EXPECT_EQ(shown.pixel(2 * x, 2 * y), colour) << "unsmoothed";
-        return colour & 0xFFFFFF;
-    };
-    EXPECT_EQ(shownIndex(0, 0), GamePalette[0]);
-    EXPECT_EQ(shownIndex(25, 7), GamePalette[pixelAt(dialog.mapped(), 25, 7)]);
-
-    dialog.ditherBox()->setChecked(true);
-    const BitmapBuffer dithered = mapToPalette(picture, PicturePalette::Game, true);
-    EXPECT_EQ(pixelsOf(dialog.mapped()), pixelsOf(dithered));
-    EXPECT_NE(pixelsOf(dithered), pixelsOf(mapToPalette(picture, PicturePalette::Game, false)));
-    EXPECT_EQ(shownIndex(25, 7), GamePalette[pixelAt(dithered, 25, 7)]);
+        for (auto [x, y] : {std::pair{0, 0}, {25, 7}, {39, 11}}) {
+            EXPECT_EQ(shown.pixel(2 * x, 2 * y) & 0xFFFFFF, GamePalette[pixelAt(expected, x, y)]) << x << dither;
+            EXPECT_EQ(shown.pixel(2 * x + 1, 2 * y + 1), shown.pixel(2 * x, 2 * y));
+        }
+    }
+    EXPECT_NE(pixelsOf(dialog.mapped()), pixelsOf(mapToPalette(picture, PicturePalette::Game, false)));
 }
 
 class RemapLoadTest : public AppTest {
@@ -55,68 +52,53 @@ protected:
         configureGame();
         window().startUp({});
     }
-    // When the dialog opens: ticks "Dithering" if asked, then OK or Cancel.
-    void answerDialog(bool dither, bool accept) {
+    // Runs a load whose dialog gets "Dithering" set as asked, then OK or Cancel.
+    void load(int command, const QString& file, bool dither, bool accept) {
+        asker.files.push_back(file);
         QTimer::singleShot(0, [this, dither, accept] {
             auto* dialog = qobject_cast<RemapDialog*>(QApplication::activeModalWidget());
-            dialogsAnswered += dialog != nullptr;
             if (!dialog) return;
+            ++dialogs;
             dialog->ditherBox()->setChecked(dither);
             accept ? dialog->accept() : dialog->reject();
         });
+        window().runCommand(command);
     }
-    int dialogsAnswered = 0;
+    int dialogs = 0;
 };
 
-// Each load takes the mapped picture on OK, in one change, and nothing on Cancel.
+// Each load takes the mapped picture on OK and nothing on Cancel; a picture
+// of the wrong size is refused, saying why, before any dialog.
 TEST_F(RemapLoadTest, LoadsMapTrueColourPicturesThroughTheDialog) {
     panel().selectTeam(2);
-    struct Case {
-        int command;
-        int width, height;
-        Bytes (*write)(const RgbaPicture&);
-        bool dither;
-        std::function<Bytes()> held;   // the picture's rows as the set holds them
-    };
-    auto helmet = [this](int n) {
+    auto firstHelmet = [this] {
         BitmapBuffer single = blankSingleHelmet();
-        EXPECT_TRUE(ExtractHelmet(helmetSheetBitmap(set()), n, single));
+        EXPECT_TRUE(ExtractHelmet(helmetSheetBitmap(set()), 4, single));
         return pixelsOf(single);
     };
-    const Case cases[] = {
-        {command::CarLoad, 256, 164, [](const RgbaPicture& p) { return pngFile(p); }, false, [this] { return set().liveries[2]; }},
-        {command::HelmetsLoad, 256, 180, [](const RgbaPicture& p) { return trueColourBmp(p, 24); }, true,
-         [this] { return set().helmetSheet; }},
-        {command::SecondHelmetLoad, 74, 15, [](const RgbaPicture& p) { return trueColourBmp(p, 32, true); }, true,
-         [&] { return helmet(5); }},
-    };
-    for (const Case& c : cases) {
-        const std::string name = "P" + std::to_string(c.command) + (c.width == 256 && c.height == 164 ? ".png" : ".bmp");
-        const Bytes file = c.write(ramp(c.width, c.height));
-        writeFileBytes(folder() / name, file);
-        const Bytes before = c.held();
-        asker.files.push_back(path(name));
-        answerDialog(c.dither, false);
-        window().runCommand(c.command);
-        EXPECT_EQ(c.held(), before) << "cancelled " << c.command;
-
-        asker.files.push_back(path(name));
-        answerDialog(c.dither, true);
-        window().runCommand(c.command);
-        const BitmapBuffer mapped = mapToPalette(*decodeRgbaPicture(file, c.width, c.height), PicturePalette::Game, c.dither);
-        EXPECT_EQ(c.held(), pixelsOf(mapped)) << c.command;
+    // Command, size, bits (0: a PNG), dithering, and the picture as the set holds it.
+    const std::tuple<int, int, int, int, bool, std::function<Bytes()>> cases[] = {
+        {command::CarLoad, 256, 164, 0, false, [this] { return set().liveries[2]; }},
+        {command::HelmetsLoad, 256, 180, 24, true, [this] { return set().helmetSheet; }},
+        {command::FirstHelmetLoad, 74, 15, 32, true, firstHelmet}};
+    for (const auto& [command, width, height, bits, dither, held] : cases) {
+        const Bytes file = bits ? trueColourBmp(ramp(width, height), bits) : pngFile(ramp(width, height));
+        writeFileBytes(folder() / "IN", file);
+        const Bytes before = held();
+        load(command, path("IN"), dither, false);
+        EXPECT_EQ(held(), before) << "cancelled " << command;
+        load(command, path("IN"), dither, true);
+        EXPECT_EQ(held(), pixelsOf(mapToPalette(*decodeRgbaPicture(file, width, height), PicturePalette::Game, dither))) << command;
     }
-    EXPECT_EQ(dialogsAnswered, 6);
+    EXPECT_EQ(dialogs, 6);
     EXPECT_EQ(set().team(2).carBitmap.status, kAssetExternal);
     EXPECT_TRUE(asker.ids.empty());
 
-    // A true-colour picture of the wrong size is refused before any dialog, saying why.
     writeFileBytes(folder() / "WIDE.PNG", pngFile(ramp(300, 164)));
-    asker.files.push_back(path("WIDE.PNG"));
-    window().runCommand(command::CarLoad);
+    load(command::CarLoad, path("WIDE.PNG"), false, true);
     EXPECT_EQ(asker.lastText(), "Couldn't Load Bitmap.");
     EXPECT_EQ(asker.details.back(), "WIDE.PNG: 300 x 164 pixels; a livery is 256 x 164");
-    EXPECT_EQ(dialogsAnswered, 6);
+    EXPECT_EQ(dialogs, 6);
 }
 
 }  // namespace

@@ -139,76 +139,56 @@ TEST_F(GraphicsCli, MenuHelmetDecodeAndPatch) {
 // the same command gives for an 8-bit bitmap of the mapped picture.
 TEST_F(GraphicsCli, PictureCommandsTakeTrueColourWithRemap) {
     const std::string set = newSet();
-    auto picture = [](int width, int height) {
-        return test::rgbaPicture(width, height, [](int x, int y) {
-            return std::uint32_t(x * 0x10305 + y * 0x70300) << 8 | (x < 3 && y < 3 ? 0 : 255);
-        });
-    };
-    auto setPixels = [&](const std::string& file, bool sheet) {
-        CarSet s = loaded(file);
-        return sheet ? s.helmetSheet : s.liveries[4];
-    };
-    auto gameFile = [&](const std::string& game, const char* file) { return *readWholeFile(fs::path(game) / file); };
     struct Case {
-        std::vector<std::string> command;   // before the picture and the options
-        bool toSet;                         // -o OUT.GP2, else --game
-        int width, height;
+        std::vector<std::string> args;   // IN: the picture; OUT: the output set, or the game folder
+        int width, height, bits;         // bits 0: a PNG
         PicturePalette palette;
-        Bytes (*write)(const RgbaPicture&);
+        const char* gameFile;            // the result, else the set's livery 4 or helmet sheet
         bool dither;
-        std::function<Bytes(const std::string&)> result;
     };
     const Case cases[] = {
-        {{"livery", "import", set, "4"}, true, 256, 164, PicturePalette::Game, [](const RgbaPicture& p) { return test::pngFile(p); },
-         false, [&](const std::string& out) { return setPixels(out, false); }},
-        {{"helmets", "import", set}, true, 256, 180, PicturePalette::Game,
-         [](const RgbaPicture& p) { return test::trueColourBmp(p, 32, true); }, true,
-         [&](const std::string& out) { return setPixels(out, true); }},
-        {{"jam", "patch", "0"}, false, 256, 164, PicturePalette::Game,
-         [](const RgbaPicture& p) { return test::trueColourBmp(p, 24); }, false,
-         [&](const std::string& game) { return gameFile(game, "GAMEJAMS/WILLIAMS.JAM"); }},
-        {{"menuhelmet", "patch", "5"}, false, 104, 104, PicturePalette::Menu, [](const RgbaPicture& p) { return test::pngFile(p); },
-         true, [&](const std::string& game) { return gameFile(game, "BITMAPS/F1PCSVGA.BIN"); }},
+        {{"livery", "import", set, "4", "IN", "-o", "OUT"}, 256, 164, 0, PicturePalette::Game, nullptr, false},
+        {{"helmets", "import", set, "IN", "-o", "OUT"}, 256, 180, 32, PicturePalette::Game, nullptr, true},
+        {{"jam", "patch", "--game", "OUT", "0", "IN"}, 256, 164, 24, PicturePalette::Game, "GAMEJAMS/WILLIAMS.JAM", false},
+        {{"menuhelmet", "patch", "--game", "OUT", "5", "IN"}, 104, 104, 0, PicturePalette::Menu, "BITMAPS/F1PCSVGA.BIN", true},
     };
     int n = 0;
     for (const Case& c : cases) {
-        const std::string label = c.command[0] + " " + c.command[1];
-        const RgbaPicture p = picture(c.width, c.height);
-        const std::string in = at("in" + std::to_string(n) + (c.write == cases[0].write ? ".png" : ".bmp"));
-        const Bytes file = c.write(p);
+        const RgbaPicture p = test::rgbaPicture(c.width, c.height, [](int x, int y) {
+            return std::uint32_t(x * 0x10305 + y * 0x70300) << 8 | (x < 3 && y < 3 ? 0 : 255);
+        });
+        const Bytes file = c.bits ? test::trueColourBmp(p, c.bits, c.bits == 32) : test::pngFile(p);
+        const std::string in = at(c.bits ? "IN.BMP" : "IN.PNG");
         test::writeFileBytes(in, file);
         const BitmapBuffer mapped = mapToPalette(*decodeRgbaPicture(file, c.width, c.height), c.palette, c.dither);
-        ASSERT_TRUE(writeFileAtomically(at("mapped.bmp"), encodeBitmapKeepingPalette(mapped)));
-        auto run = [&](const std::string& file, std::vector<std::string> options) {
-            const std::string target = at("target" + std::to_string(n++));
-            if (!c.toSet) {
-                test::writeJamFile(target, 0, 4);
-                test::writeMenuFile(target, 6);
+        ASSERT_TRUE(writeFileAtomically(at("MAPPED.BMP"), encodeBitmapKeepingPalette(mapped)));
+        // Runs the command into a fresh output: what it printed and the result.
+        auto run = [&](const std::string& picture, std::vector<std::string> options) {
+            const std::string out = at("out" + std::to_string(n++));
+            if (c.gameFile) {
+                test::writeJamFile(out, 0, 4);
+                test::writeMenuFile(out, 6);
             }
-            std::vector<std::string> args = c.command;
-            if (!c.toSet) args.insert(args.begin() + 2, {"--game", target});
-            args.push_back(file);
-            if (c.toSet) options.insert(options.begin(), {"-o", target});
+            std::vector<std::string> args;
+            for (const std::string& a : c.args) args.push_back(a == "IN" ? picture : a == "OUT" ? out : a);
             args.insert(args.end(), options.begin(), options.end());
-            return std::pair{cli(args), target};
+            const Outcome outcome = cli(args);
+            Bytes result;
+            if (c.gameFile) result = *readWholeFile(fs::path(out) / c.gameFile);
+            else if (fs::exists(out)) result = c.height == 180 ? loaded(out).helmetSheet : loaded(out).liveries[4];
+            return std::pair{outcome, result};
         };
         auto [refused, untouched] = run(in, {});
-        EXPECT_EQ(refused.status, kExitFailed) << label;
+        EXPECT_EQ(refused.status, kExitFailed) << c.args[0];
         EXPECT_TRUE(refused.err.starts_with("Couldn't Load Bitmap.\n" + fs::path(in).filename().string() + ": ")) << refused.err;
-        EXPECT_TRUE(refused.err.ends_with("; use --remap to map its colours to the " + std::string(paletteName(c.palette)) +
-                                          " palette\n"))
-            << refused.err;
-        std::vector<std::string> remap{"--remap"};
-        if (c.dither) remap.push_back("--dither");
-        auto [remapped, viaRemap] = run(in, remap);
-        ASSERT_EQ(remapped.status, kExitOk) << label << remapped.err;
-        auto [plain, viaIndices] = run(at("mapped.bmp"), {});
-        ASSERT_EQ(plain.status, kExitOk) << label << plain.err;
-        EXPECT_EQ(c.result(viaRemap), c.result(viaIndices)) << label;
-        if (c.toSet)
-            EXPECT_FALSE(fs::exists(untouched)) << label;
-        else
-            EXPECT_NE(c.result(viaRemap), c.result(untouched)) << label;
+        EXPECT_TRUE(refused.err.ends_with("use --remap to map its colours to the " + std::string(paletteName(c.palette)) +
+                                          " palette\n")) << refused.err;
+        EXPECT_EQ(untouched.empty(), !c.gameFile) << "a refused import writes no set";
+        auto [remapped, viaRemap] = run(in, c.dither ? std::vector<std::string>{"--remap", "--dither"} : std::vector<std::string>{"--remap"});
+        auto [plain, viaIndices] = run(at("MAPPED.BMP"), {});
+        EXPECT_EQ(remapped.status + plain.status, kExitOk) << remapped.err << plain.err;
+        EXPECT_EQ(viaRemap, viaIndices) << c.args[0];
+        EXPECT_NE(viaRemap, untouched) << c.args[0];
     }
 }
 
