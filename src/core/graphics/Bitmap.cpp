@@ -104,9 +104,7 @@ Result<BitmapBuffer> decodeBitmap8(std::span<const std::uint8_t> file, int width
         return pictureRefusal("rows stored top row first; Tarvel needs 8-bit bitmaps stored bottom row first");
     if (header->width != width || header->height != height)
         return pictureRefusal(sizeReason(header->width, std::abs(static_cast<long long>(header->height)), width, height));
-    if (header->coloursUsed > 256)
-        return pictureRefusal("the header names " + withThousands(header->coloursUsed) +
-                              " palette colours; an 8-bit bitmap has at most 256");
+    if (header->coloursUsed > 256) return pictureRefusal(paletteSizeReason(header->coloursUsed));
 
     // The palette follows the information header (whatever its version); the
     // pixels start where the file header says.
@@ -118,7 +116,7 @@ Result<BitmapBuffer> decodeBitmap8(std::span<const std::uint8_t> file, int width
     auto palette = paletteReader.view(paletteEntries * 4);
     if (!paletteReader.ok()) return pictureRefusal(endsInsideReason(file.size(), "the palette"));
     if (header->pixelOffset < paletteStart)
-        return pictureRefusal("the pixel rows start at byte " + withThousands(header->pixelOffset) + ", inside the header");
+        return pictureRefusal(pixelOffsetReason(header->pixelOffset));
     ByteReader pixelReader(file);
     pixelReader.seek(header->pixelOffset);
     auto pixels = pixelReader.view(bitmap.pixelBytes());

@@ -65,18 +65,15 @@ struct PixelLayout {
 Result<PixelLayout> readPixelLayout(std::span<const std::uint8_t> file, const BmpHeader& header) {
     PixelLayout layout;
     if (header.bitsPerPixel == 8) {
-        if (header.coloursUsed > 256)
-            return pictureRefusal("the header names " + withThousands(header.coloursUsed) +
-                                  " palette colours; an 8-bit bitmap has at most 256");
+        if (header.coloursUsed > 256) return pictureRefusal(paletteSizeReason(header.coloursUsed));
         const std::size_t entries = header.coloursUsed == 0 ? 256 : header.coloursUsed;
         ByteReader in(file);
         in.seek(kBitmapFileHeaderSize + std::size_t(header.infoSize));
         auto palette = in.view(4 * entries);
         if (!in.ok()) return pictureRefusal(endsInsideReason(file.size(), "the palette"));
-        for (std::size_t i = 0; i < entries; ++i) {
-            layout.palette[4 * i + 0] = palette[4 * i + 2];
-            layout.palette[4 * i + 1] = palette[4 * i + 1];
-            layout.palette[4 * i + 2] = palette[4 * i + 0];
+        // Indices past the file's palette show black.
+        for (std::size_t i = 0; i < 256; ++i) {
+            for (std::size_t k = 0; k < 3 && i < entries; ++k) layout.palette[4 * i + k] = palette[4 * i + 2 - k];
             layout.palette[4 * i + 3] = 255;
         }
     } else if (header.compression == kBmpBitFields) {
@@ -106,7 +103,7 @@ Result<RgbaPicture> decodeBmp(std::span<const std::uint8_t> file, const BmpHeade
     auto layout = readPixelLayout(file, header);
     if (!layout) return fail(layout.error());
     if (header.pixelOffset < kBitmapFileHeaderSize + std::uint64_t(header.infoSize))
-        return pictureRefusal("the pixel rows start at byte " + withThousands(header.pixelOffset) + ", inside the header");
+        return pictureRefusal(pixelOffsetReason(header.pixelOffset));
 
     const std::size_t stride = (std::size_t(width) * std::size_t(bits) + 31) / 32 * 4;
     ByteReader in(file);
@@ -197,6 +194,14 @@ std::string sizeReason(long long width, long long height, int expectedWidth, int
     for (const SizeName& s : kPictureSizeNames)
         if (s.width == expectedWidth && s.height == expectedHeight) return reason + std::string(s.name) + " is " + expected;
     return reason + "Tarvel needs " + expected + " here";
+}
+
+std::string paletteSizeReason(std::uint32_t coloursUsed) {
+    return "the header names " + withThousands(coloursUsed) + " palette colours; an 8-bit bitmap has at most 256";
+}
+
+std::string pixelOffsetReason(std::uint32_t pixelOffset) {
+    return "the pixel rows start at byte " + withThousands(pixelOffset) + ", inside the header";
 }
 
 std::string endsInsideReason(std::size_t fileSize, std::string_view where) {

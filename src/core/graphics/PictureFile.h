@@ -46,6 +46,8 @@ Result<BmpHeader> readBmpHeader(std::span<const std::uint8_t> file);
 std::string depthReason(int bitsPerPixel, std::string_view needed);
 std::string compressionReason(std::uint32_t compression);
 std::string sizeReason(long long width, long long height, int expectedWidth, int expectedHeight);
+std::string paletteSizeReason(std::uint32_t coloursUsed);
+std::string pixelOffsetReason(std::uint32_t pixelOffset);
 std::string endsInsideReason(std::size_t fileSize, std::string_view where);
 // 1078 -> "1,078".
 std::string withThousands(std::uint64_t value);
