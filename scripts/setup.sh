@@ -5,7 +5,7 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ pkg-config
   qt6-base-dev qt6-multimedia-dev libgl-dev
-  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libssl-dev
+  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev libssl-dev libpng-dev
   clang libclang-rt-14-dev
   xvfb xauth imagemagick python3 python3-pil sox fonts-dejavu-core
 )

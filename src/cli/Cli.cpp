@@ -180,6 +180,10 @@ std::optional<Arguments> parseArguments(const std::vector<std::string>& args, st
             ok = take(parsed.items, (options & kOptionItems) != 0, i);
         else if (a == "--dry-run")
             ok = (options & kOptionDryRun) != 0 && !std::exchange(parsed.dryRun, true);
+        else if (a == "--remap")
+            ok = (options & kOptionRemap) != 0 && !std::exchange(parsed.remap, true);
+        else if (a == "--dither")
+            ok = (options & kOptionRemap) != 0 && !std::exchange(parsed.dither, true);
         else if (a.size() > 1 && a[0] == '-')
             ok = false;
         else
@@ -189,6 +193,7 @@ std::optional<Arguments> parseArguments(const std::vector<std::string>& args, st
     if (parsed.positional.size() != positionalCount) return std::nullopt;
     if ((options & kOptionOutputRequired) && !parsed.output) return std::nullopt;
     if ((options & kOptionGame) && !parsed.game) return std::nullopt;
+    if (parsed.dither && !parsed.remap) return std::nullopt;
     return parsed;
 }
 

@@ -63,6 +63,8 @@ struct Arguments {
     std::optional<std::string> game;     // --game
     std::optional<std::string> items;    // --items
     bool dryRun = false;                 // --dry-run
+    bool remap = false;                  // --remap
+    bool dither = false;                 // --dither
 };
 enum ArgumentOption : unsigned {
     kOptionOutput = 1,           // -o may be given
@@ -70,9 +72,11 @@ enum ArgumentOption : unsigned {
     kOptionGame = 4,             // --game must be given
     kOptionItems = 8,            // --items may be given
     kOptionDryRun = 16,          // --dry-run may be given
+    kOptionRemap = 32,           // --remap may be given, and --dither with it
 };
 // nullopt on an option the command does not take, a repeated or valueless
-// option, a missing required one, or a wrong number of positional arguments.
+// option, a missing required one, --dither without --remap, or a wrong number
+// of positional arguments.
 std::optional<Arguments> parseArguments(const std::vector<std::string>& args, std::size_t positionalCount,
                                         unsigned options = 0);
 

@@ -10,6 +10,7 @@
 #include "graphics/Bitmap.h"
 #include "graphics/Jam.h"
 #include "graphics/MenuHelmet.h"
+#include "graphics/PaletteMapping.h"
 
 #include <gtest/gtest.h>
 
@@ -60,11 +61,13 @@ TEST_F(GraphicsCli, LiveryFailuresAndUsage) {
     ASSERT_TRUE(SaveBitmap8(at("small.bmp"), BitmapBuffer(256, 163), {}));
     auto refused = cli({"livery", "import", set, "0", at("small.bmp"), "-o", at("out.gp2")});
     EXPECT_EQ(refused.status, kExitFailed);
-    EXPECT_EQ(refused.err, "Couldn't Load Bitmap.\n");
+    EXPECT_EQ(refused.err, "Couldn't Load Bitmap.\nsmall.bmp: 256 x 163 pixels; a livery is 256 x 164\n");
     EXPECT_FALSE(fs::exists(at("out.gp2")));
     const std::vector<std::string> usage[] = {{"livery", "export", set, "14", at("x.bmp")},
                                               {"livery", "export", set, "zero", at("x.bmp")},
                                               {"livery", "import", set, "0", at("small.bmp")},   // -o is required
+                                              {"livery", "import", set, "0", at("small.bmp"), "-o", at("x"), "--dither"},
+                                              {"livery", "export", set, "0", at("x.bmp"), "--remap"},
                                               {"jam", "info", "218"}};
     for (const auto& args : usage) EXPECT_EQ(cli(args).status, kExitUsage) << args[3];
     EXPECT_FALSE(fs::exists(at("x.bmp")));
@@ -129,6 +132,64 @@ TEST_F(GraphicsCli, MenuHelmetDecodeAndPatch) {
     EXPECT_TRUE(samePixels(*decoded, *picture));
     EXPECT_NE(*after, before);
     EXPECT_EQ(cli({"menuhelmet", "patch", "--game", game.string(), "28", at("m2.bmp")}).status, kExitUsage);
+}
+
+// Every command that takes a picture refuses a true-colour one without
+// --remap, saying how to ask for it; with --remap (and --dither) it gives what
+// the same command gives for an 8-bit bitmap of the mapped picture.
+TEST_F(GraphicsCli, PictureCommandsTakeTrueColourWithRemap) {
+    const std::string set = newSet();
+    struct Case {
+        std::vector<std::string> args;   // IN: the picture; OUT: the output set, or the game folder
+        int width, height, bits;         // bits 0: a PNG
+        PicturePalette palette;
+        const char* gameFile;            // the result, else the set's livery 4 or helmet sheet
+        bool dither;
+    };
+    const Case cases[] = {
+        {{"livery", "import", set, "4", "IN", "-o", "OUT"}, 256, 164, 0, PicturePalette::Game, nullptr, false},
+        {{"helmets", "import", set, "IN", "-o", "OUT"}, 256, 180, 32, PicturePalette::Game, nullptr, true},
+        {{"jam", "patch", "--game", "OUT", "0", "IN"}, 256, 164, 24, PicturePalette::Game, "GAMEJAMS/WILLIAMS.JAM", false},
+        {{"menuhelmet", "patch", "--game", "OUT", "5", "IN"}, 104, 104, 0, PicturePalette::Menu, "BITMAPS/F1PCSVGA.BIN", true},
+    };
+    int n = 0;
+    for (const Case& c : cases) {
+        const RgbaPicture p = test::rgbaPicture(c.width, c.height, [](int x, int y) {
+            return std::uint32_t(x * 0x10305 + y * 0x70300) << 8 | (x < 3 && y < 3 ? 0 : 255);
+        });
+        const Bytes file = c.bits ? test::trueColourBmp(p, c.bits, c.bits == 32) : test::pngFile(p);
+        const std::string in = at(c.bits ? "IN.BMP" : "IN.PNG");
+        test::writeFileBytes(in, file);
+        const BitmapBuffer mapped = mapToPalette(*decodeRgbaPicture(file, c.width, c.height), c.palette, c.dither);
+        ASSERT_TRUE(writeFileAtomically(at("MAPPED.BMP"), encodeBitmapKeepingPalette(mapped)));
+        // Runs the command into a fresh output: what it printed and the result.
+        auto run = [&](const std::string& picture, std::vector<std::string> options) {
+            const std::string out = at("out" + std::to_string(n++));
+            if (c.gameFile) {
+                test::writeJamFile(out, 0, 4);
+                test::writeMenuFile(out, 6);
+            }
+            std::vector<std::string> args;
+            for (const std::string& a : c.args) args.push_back(a == "IN" ? picture : a == "OUT" ? out : a);
+            args.insert(args.end(), options.begin(), options.end());
+            const Outcome outcome = cli(args);
+            Bytes result;
+            if (c.gameFile) result = *readWholeFile(fs::path(out) / c.gameFile);
+            else if (fs::exists(out)) result = c.height == 180 ? loaded(out).helmetSheet : loaded(out).liveries[4];
+            return std::pair{outcome, result};
+        };
+        auto [refused, untouched] = run(in, {});
+        EXPECT_EQ(refused.status, kExitFailed) << c.args[0];
+        EXPECT_TRUE(refused.err.starts_with("Couldn't Load Bitmap.\n" + fs::path(in).filename().string() + ": ")) << refused.err;
+        EXPECT_TRUE(refused.err.ends_with("use --remap to map its colours to the " + std::string(paletteName(c.palette)) +
+                                          " palette\n")) << refused.err;
+        EXPECT_EQ(untouched.empty(), !c.gameFile) << "a refused import writes no set";
+        auto [remapped, viaRemap] = run(in, c.dither ? std::vector<std::string>{"--remap", "--dither"} : std::vector<std::string>{"--remap"});
+        auto [plain, viaIndices] = run(at("MAPPED.BMP"), {});
+        EXPECT_EQ(remapped.status + plain.status, kExitOk) << remapped.err << plain.err;
+        EXPECT_EQ(viaRemap, viaIndices) << c.args[0];
+        EXPECT_NE(viaRemap, untouched) << c.args[0];
+    }
 }
 
 }  // namespace

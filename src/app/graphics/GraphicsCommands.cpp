@@ -12,13 +12,35 @@
 
 #include "carset/CarSetPictures.h"
 #include "graphics/Helmets.h"
+#include "graphics/RemapDialog.h"
 
 namespace tarvel {
 namespace {
 
 const char* const kBitmapFilter = "Bitmap Files (*.BMP *.bmp)";
+const char* const kPictureFilter = "Bitmap Files (*.BMP *.bmp *.PNG *.png)";
 
-QString askOpen(Workbench& bench, const char* title) { return bench.asker.openFile(&bench.window, title, kBitmapFilter); }
+QString askOpen(Workbench& bench, const char* title) { return bench.asker.openFile(&bench.window, title, kPictureFilter); }
+
+// Shows a failed result; whether it succeeded.
+template <class T>
+bool succeeded(Workbench& bench, const Result<T>& result) {
+    return showStatus(bench, result ? Status{} : Status(fail(result.error())));
+}
+
+// A picture of width x height for the game palette: an 8-bit bitmap by its
+// indices; a 24/32-bit BMP or a PNG as the user takes it from the "Map to Game
+// Palette" dialog. Nothing when it was refused (said) or the user cancelled.
+std::optional<BitmapBuffer> loadPicture(Workbench& bench, const std::filesystem::path& path, int width, int height) {
+    if (!isTrueColour(probePictureFile(path))) {
+        auto bitmap = LoadBitmap8(path, width, height);
+        if (!succeeded(bench, bitmap)) return std::nullopt;
+        return std::move(*bitmap);
+    }
+    auto picture = LoadRgbaPicture(path, width, height);
+    if (!succeeded(bench, picture)) return std::nullopt;
+    return mapInDialog(&bench.window, std::move(*picture), PicturePalette::Game);
+}
 
 // A save-file dialog and the replace question; empty when the user stopped.
 QString askSave(Workbench& bench, const char* title) {
@@ -43,7 +65,9 @@ void changeLivery(Workbench& bench, std::string_view what, const std::function<S
 void carLoad(Workbench& bench) {
     const QString path = askOpen(bench, "Select New Car");
     if (path.isEmpty()) return;
-    changeLivery(bench, "Load", [&](CarSet& set, int team) { return loadTeamLivery(set, team, toPath(path)); });
+    const auto livery = loadPicture(bench, toPath(path), kLiveryWidth, kLiveryHeight);
+    if (!livery) return;
+    changeLivery(bench, "Load", [&](CarSet& set, int team) { return takeTeamLivery(set, team, *livery, toPath(path)); });
 }
 
 void carSaveAs(Workbench& bench) {
@@ -72,8 +96,10 @@ void patchGame(Workbench& bench, const std::function<Status()>& patch) {
 void helmetsLoad(Workbench& bench) {
     const QString path = askOpen(bench, "Load Helmets");
     if (path.isEmpty()) return;
-    showStatus(bench, bench.document.edit(StepName{"Load helmets"}, Document::Helmets,
-                                          [&](CarSet& set) { return loadHelmetSheetFile(set, toPath(path)); }));
+    const auto sheet = loadPicture(bench, toPath(path), kHelmetSheetBitmapWidth, kHelmetSheetBitmapHeight);
+    if (!sheet) return;
+    bench.document.edit(StepName{"Load helmets"}, Document::Helmets,
+                        [&](CarSet& set) { return setHelmetSheetPixels(set, *sheet); });
 }
 
 void helmetsSaveAs(Workbench& bench) {
@@ -96,8 +122,8 @@ void helmetsImport(Workbench& bench) {
 void singleHelmetLoad(Workbench& bench, int car) {
     const QString path = askOpen(bench, "Load Single Helmet");
     if (path.isEmpty()) return;
-    const auto single = LoadSingleHelmet(toPath(path));
-    if (!showStatus(bench, single ? Status{} : Status(fail(single.error())))) return;
+    const auto single = loadPicture(bench, toPath(path), kHelmetWidth, kHelmetHeight);
+    if (!single) return;
     const int helmet = 2 * bench.document.currentTeam() + car;
     BitmapBuffer sheet = helmetSheetBitmap(bench.document.set());
     if (!showStatus(bench, StoreHelmet(sheet, helmet, *single))) return;

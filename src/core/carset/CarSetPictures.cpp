@@ -78,6 +78,12 @@ Status loadTeamLivery(CarSet& set, int team, const fs::path& path) {
     return {};
 }
 
+Status takeTeamLivery(CarSet& set, int team, const BitmapBuffer& livery, const fs::path& path) {
+    if (!isRacingTeam(team) || !setLiveryPixels(set, team, livery)) return fail(MessageId::CouldntLoadBitmap);
+    setCarBitmapSource(set, team, kAssetExternal, path);
+    return {};
+}
+
 Status saveTeamLivery(const CarSet& set, int team, const fs::path& path, const GraphicsOptions& options) {
     if (!isRacingTeam(team)) return fail(MessageId::CouldntSaveBitmap);
     return SaveBitmap8(path, liveryBitmap(set, team), options);

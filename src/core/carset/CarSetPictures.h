@@ -29,6 +29,8 @@ bool setHelmetSheetPixels(CarSet& set, const BitmapBuffer& bitmap);
 // becomes status 1 with the file's path. Success means the set changed.
 // "Couldn't Load Bitmap." leaves the set as it was.
 Status loadTeamLivery(CarSet& set, int team, const std::filesystem::path& path);
+// The same for a livery already loaded from `path` (mapped to the game palette, say).
+Status takeTeamLivery(CarSet& set, int team, const BitmapBuffer& livery, const std::filesystem::path& path);
 Status saveTeamLivery(const CarSet& set, int team, const std::filesystem::path& path, const GraphicsOptions& options);
 
 // Converts team 0-13's JAM file of the game (catalogue number = team) to the

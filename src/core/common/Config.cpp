@@ -3,6 +3,7 @@
 #include "common/IniFile.h"
 
 #include <cstdlib>
+#include <span>
 #include <string_view>
 
 namespace tarvel {
@@ -27,6 +28,9 @@ constexpr FlagKey kFlags[] = {
     {"FixGreen", &Config::fixGreen, false, true},    {"FixStrip", &Config::fixStrip, true, true},
     {"GP2Palette", &Config::gp2Palette, false, true}, {"ShowInfo", &Config::showInfo, true, false},
     {"SoftenMenu", &Config::softenMenu, false, true}, {"TeamSwap", &Config::teamSwap, false, true},
+};
+// Keys of our own, written after the original ones.
+constexpr FlagKey kOwnFlags[] = {
     {"ConfirmExport", &Config::confirmExport, true, true},
 };
 constexpr std::string_view kMosaicKey = "Mosaic";
@@ -83,7 +87,8 @@ Config readConfig(const IniFile& ini) {
     config.gameFolder = folder == kNotSet ? std::string() : withTrailingSeparator(folder);
     std::string autoFile = ini.getString(kFiles, kAutoFileKey, kNotSet);
     config.autoFile = equalsIgnoringCase(autoFile, kNotSet) ? std::string() : autoFile;
-    for (const FlagKey& flag : kFlags) config.*flag.field = ini.getInt(kConfig, flag.key, flag.fallback ? 1 : 0) != 0;
+    for (const auto& table : {std::span<const FlagKey>(kFlags), std::span<const FlagKey>(kOwnFlags)})
+        for (const FlagKey& flag : table) config.*flag.field = ini.getInt(kConfig, flag.key, flag.fallback ? 1 : 0) != 0;
     int mosaic = ini.getInt(kConfig, kMosaicKey, kMosaicDefault);
     config.mosaic = mosaic < 0 ? 0 : (mosaic > kMosaicMax ? kMosaicMax : mosaic);
     config.launchCommand = ini.getString(kConfig, kLaunchKey, "");
@@ -98,6 +103,7 @@ Status writeConfig(IniFile& ini, const Config& config) {
         if (flag.written) written = ini.setInt(kConfig, flag.key, config.*flag.field ? 1 : 0) && written;
     written = ini.setInt(kConfig, kMosaicKey, config.mosaic) && written;
     written = ini.setString(kConfig, kLaunchKey, config.launchCommand) && written;
+    for (const FlagKey& flag : kOwnFlags) written = ini.setInt(kConfig, flag.key, config.*flag.field ? 1 : 0) && written;
     if (!written) return fail(MessageId::CouldntWriteFile, ini.path().string());
     return {};
 }

@@ -3,8 +3,10 @@
 #include "common/Config.h"
 #include "common/FileIO.h"
 #include "graphics/Palette.h"
+#include "graphics/PictureFile.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <system_error>
 
@@ -13,7 +15,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::uint16_t kBitmapSignature = 0x4D42;   // "BM"
 constexpr int kFirstTransparentRangeEntry = 192;
 constexpr std::uint8_t kWhiteIndex = 255;
 constexpr std::uint8_t kImportedWhite = 31;
@@ -92,35 +93,34 @@ void setBitmapPalette(BitmapBuffer& bitmap, std::span<const std::uint32_t, 256> 
 }
 
 Result<BitmapBuffer> decodeBitmap8(std::span<const std::uint8_t> file, int width, int height, bool repairColours) {
-    if (!sizeAcceptable(width, height)) return fail(MessageId::CouldntLoadBitmap);
-    ByteReader in(file);
-    std::uint16_t signature = in.u16();
-    in.skip(8);                                   // file size, reserved words
-    std::uint32_t pixelOffset = in.u32();
-    std::uint32_t infoSize = in.u32();
-    std::int32_t fileWidth = std::int32_t(in.u32());
-    std::int32_t fileHeight = std::int32_t(in.u32());
-    in.u16();                                     // planes
-    std::uint16_t bitsPerPixel = in.u16();
-    std::uint32_t compression = in.u32();
-    in.skip(12);                                  // image size, resolutions
-    std::uint32_t coloursUsed = in.u32();
-    if (!in.ok() || signature != kBitmapSignature || fileWidth != width || fileHeight != height ||
-        bitsPerPixel != 8 || compression != 0 || infoSize < kBitmapInfoHeaderSize || coloursUsed > 256)
-        return fail(MessageId::CouldntLoadBitmap);
+    if (!sizeAcceptable(width, height)) return pictureRefusal(sizeReason(width, height, width, height));
+    const std::string inPalette = repairColours ? " in the game palette" : "";
+    if (isPngFile(file)) return pictureRefusal("a PNG picture; Tarvel needs 8-bit BMP pictures" + inPalette);
+    auto header = readBmpHeader(file);
+    if (!header) return fail(header.error());
+    if (header->bitsPerPixel != 8) return pictureRefusal(depthReason(header->bitsPerPixel, "8-bit pictures" + inPalette));
+    if (header->compression != kBmpUncompressed) return pictureRefusal(compressionReason(header->compression));
+    if (header->width == width && header->height == -height)
+        return pictureRefusal("rows stored top row first; Tarvel needs 8-bit bitmaps stored bottom row first");
+    if (header->width != width || header->height != height)
+        return pictureRefusal(sizeReason(header->width, std::abs(static_cast<long long>(header->height)), width, height));
+    if (header->coloursUsed > 256) return pictureRefusal(paletteSizeReason(header->coloursUsed));
 
     // The palette follows the information header (whatever its version); the
     // pixels start where the file header says.
-    std::size_t paletteEntries = coloursUsed == 0 ? 256 : coloursUsed;
-    std::size_t paletteStart = kBitmapFileHeaderSize + std::size_t(infoSize);
+    std::size_t paletteEntries = header->coloursUsed == 0 ? 256 : header->coloursUsed;
+    std::size_t paletteStart = kBitmapFileHeaderSize + std::size_t(header->infoSize);
     BitmapBuffer bitmap(width, height);
     ByteReader paletteReader(file);
-    if (!paletteReader.seek(paletteStart)) return fail(MessageId::CouldntLoadBitmap);
+    paletteReader.seek(paletteStart);
     auto palette = paletteReader.view(paletteEntries * 4);
+    if (!paletteReader.ok()) return pictureRefusal(endsInsideReason(file.size(), "the palette"));
+    if (header->pixelOffset < paletteStart)
+        return pictureRefusal(pixelOffsetReason(header->pixelOffset));
     ByteReader pixelReader(file);
-    if (!pixelReader.seek(pixelOffset)) return fail(MessageId::CouldntLoadBitmap);
+    pixelReader.seek(header->pixelOffset);
     auto pixels = pixelReader.view(bitmap.pixelBytes());
-    if (!paletteReader.ok() || !pixelReader.ok() || pixelOffset < paletteStart) return fail(MessageId::CouldntLoadBitmap);
+    if (!pixelReader.ok()) return pictureRefusal(endsInsideReason(file.size(), "the pixel rows"));
     std::copy(pixels.begin(), pixels.end(), bitmap.pixels());
 
     // Transparent-range repair: a file whose upper palette entries are all
@@ -150,7 +150,7 @@ Result<BitmapBuffer> decodeBitmap8(std::span<const std::uint8_t> file, int width
 
 Result<BitmapBuffer> LoadBitmap8(const fs::path& path, int width, int height, bool repairColours) {
     std::ifstream in(path, std::ios::binary);
-    if (!in) return fail(MessageId::CouldntLoadBitmap);
+    if (!in) return fail(namedRefusal(path, refusalMessage(unreadableReason(path))));
     // Only as much as a bitmap of this size can need; a bigger file is read
     // up to that point.
     std::size_t limit = kBitmapPixelOffset + 1024 + std::size_t(paddedRowLength(width)) * std::size_t(std::max(height, 0));
@@ -167,7 +167,9 @@ Result<BitmapBuffer> LoadBitmap8(const fs::path& path, int width, int height, bo
             bytes.resize(limit + std::size_t(in.gcount()));
         }
     }
-    return decodeBitmap8(bytes, width, height, repairColours);
+    auto bitmap = decodeBitmap8(bytes, width, height, repairColours);
+    if (!bitmap) return fail(namedRefusal(path, bitmap.error()));
+    return bitmap;
 }
 
 Bytes encodeBitmapKeepingPalette(const BitmapBuffer& bitmap) {

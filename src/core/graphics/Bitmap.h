@@ -18,6 +18,7 @@ namespace tarvel {
 
 struct Config;
 
+constexpr std::uint16_t kBitmapSignature = 0x4D42;   // "BM"
 constexpr std::size_t kBitmapFileHeaderSize = 14;
 constexpr std::size_t kBitmapInfoHeaderSize = 40;
 constexpr std::size_t kBitmapPaletteSize = 1024;
@@ -71,8 +72,9 @@ void setBitmapPalette(BitmapBuffer& bitmap, std::span<const std::uint32_t, 256> 
 
 // Reads an 8-bit uncompressed bitmap of exactly width x height from the bytes
 // of a whole file, with the colour repairs and the game palette put in place
-// of the file's. Fails with "Couldn't Load Bitmap.". Pictures in another
-// palette (menu pictures) are read with `repairColours` false: pixels as they are.
+// of the file's. Fails with "Couldn't Load Bitmap." and the reason as detail
+// (LoadBitmap8: behind the file's name). Pictures in another palette (menu
+// pictures) are read with `repairColours` false: pixels as they are.
 Result<BitmapBuffer> decodeBitmap8(std::span<const std::uint8_t> file, int width, int height,
                                    bool repairColours = true);
 Result<BitmapBuffer> LoadBitmap8(const std::filesystem::path& path, int width, int height, bool repairColours = true);

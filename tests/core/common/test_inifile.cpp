@@ -111,7 +111,7 @@ TEST_F(IniTest, WriteConfig) {
     ASSERT_TRUE(writeConfig(ini, c));
     EXPECT_EQ(contents(), "[Files]\nAutoFile=/keep.GP2\nLocate GP2.EXE=/games/gp2/\n[Config]\nShowInfo=0\nCheckSum=1\nNiceGrid=0\n"
                           "HighGrip=0\nClearJam=1\nFixGreen=0\nFixStrip=1\nGP2Palette=0\nSoftenMenu=0\nTeamSwap=0\nMosaic=1\n"
-                          "LaunchCommand=run %s\n");
+                          "LaunchCommand=run %s\nConfirmExport=1\n");
     c.gameFolder.clear();
     ASSERT_TRUE(writeConfig(ini, c));
     EXPECT_EQ(IniFile(path_).getString("Files", "Locate GP2.EXE", ""), "X");
