@@ -10,7 +10,11 @@
 #include "graphics/MenuHelmet.h"
 #include "game/GameBackup.h"
 #include "game/GameExecutable.h"
+#include "game/GameSettingsTransfer.h"
 #include "game/GameVersion.h"
+#include "game/GlobalCarSettings.h"
+#include "game/LapsAndPoints.h"
+#include "game/OnboardCameras.h"
 #include "game/StateFile.h"
 #include "game/TransferItems.h"
 
@@ -161,6 +165,53 @@ Status exportJamItem(const CarSet& set, const ItemCall& call) {
     return PatchGameJam(call.context.gameFolder, *picture, number, pictureOptions(call), &call.progress);
 }
 
+// The settings records: the import reads into the record's second copy, which
+// starts as the first so that words the import leaves alone (those of a state
+// file that is not used) keep the set's values; the first copy takes it over
+// once the whole import has succeeded. The export writes the first copy.
+template <std::size_t N>
+using SettingsTransferFn = Status (*)(std::span<std::uint16_t, N>, TransferDirection, const GameAccess&);
+
+GameAccess settingsAccess(const ItemCall& call) {
+    return {call.context.gameFolder, call.context.version, call.useStateFile, &call.progress};
+}
+
+template <SettingsRange Words, SettingsRange Copy, std::size_t N, SettingsTransferFn<N> Transfer>
+Status importSettings(CarSet& set, const ItemCall& call) {
+    static_assert(Words.count == int(N) && Copy.count == int(N));
+    std::copy_n(set.settings.range(Words), N, set.settings.range(Copy));
+    return Transfer(std::span<std::uint16_t, N>(set.settings.range(Copy), N), Direction::Import, settingsAccess(call));
+}
+template <SettingsRange Words, SettingsRange Copy, std::size_t N, SettingsTransferFn<N> Transfer>
+Status exportSettings(const CarSet& set, const ItemCall& call) {
+    std::array<std::uint16_t, N> words{};
+    std::copy_n(set.settings.range(Words), N, words.begin());
+    return Transfer(words, Direction::Export, settingsAccess(call));
+}
+
+struct SettingsItem {
+    int item;
+    SettingsRange words;
+    SettingsRange copy;
+};
+constexpr std::array<SettingsItem, 5> kSettingsItems{{
+    {52, settings::kGlobalCar, settings::kGlobalCarImport},
+    {54, settings::kCameras, settings::kCamerasImport},
+    {155, settings::kGame, settings::kGameImport},
+    {156, settings::kPoints, settings::kPointsImport},
+    {157, settings::kLaps, settings::kLapsImport},
+}};
+template <SettingsRange Words, SettingsRange Copy, std::size_t N, SettingsTransferFn<N> Transfer>
+struct SettingsItemFns {
+    static constexpr ImportItemFn in = importSettings<Words, Copy, N, Transfer>;
+    static constexpr ExportItemFn out = exportSettings<Words, Copy, N, Transfer>;
+};
+using GlobalCarItem = SettingsItemFns<settings::kGlobalCar, settings::kGlobalCarImport, globalcar::kWords, TransferGlobalCarSettings>;
+using CameraItem = SettingsItemFns<settings::kCameras, settings::kCamerasImport, camera::kWords, ReadWriteCameras>;
+using GameSettingsItem = SettingsItemFns<settings::kGame, settings::kGameImport, gamesettings::kWords, TransferGameSettings>;
+using PointsItem = SettingsItemFns<settings::kPoints, settings::kPointsImport, kPointsPositions, TransferPoints>;
+using LapsItem = SettingsItemFns<settings::kLaps, settings::kLapsImport, kCircuitCount, TransferLaps>;
+
 // The item table: runs of items with their label, game file and transfer functions.
 constexpr std::array<TransferItemRange, 16> kItemRanges{{
     {0, 0, "Team Data", GameFileKind::Executable, importTeamData, exportTeamData},
@@ -171,13 +222,13 @@ constexpr std::array<TransferItemRange, 16> kItemRanges{{
     {45, 46, "Cockpits", GameFileKind::Cockpit, nullptr, nullptr},
     {47, 47, "Pit Crew Colours", GameFileKind::Executable, importPitCrewColours, exportPitCrewColours},
     {48, 51, "Wheel JAMs", GameFileKind::Jam, importJamItem, exportJamItem},
-    {52, 52, "Car Settings", GameFileKind::Executable, nullptr, nullptr},
+    {52, 52, "Car Settings", GameFileKind::Executable, GlobalCarItem::in, GlobalCarItem::out},
     {53, 53, "Damage Data", GameFileKind::Executable, nullptr, nullptr},
-    {54, 54, "Camera Data", GameFileKind::Executable, nullptr, nullptr},
+    {54, 54, "Camera Data", GameFileKind::Executable, CameraItem::in, CameraItem::out},
     {55, 154, "Sound Effects", GameFileKind::SoundCatalogue, nullptr, nullptr},
-    {155, 155, "Game Settings", GameFileKind::Executable, nullptr, nullptr},
-    {156, 156, "Points Data", GameFileKind::Executable, nullptr, nullptr},
-    {157, 157, "Laps Data", GameFileKind::Executable, nullptr, nullptr},
+    {155, 155, "Game Settings", GameFileKind::Executable, GameSettingsItem::in, GameSettingsItem::out},
+    {156, 156, "Points Data", GameFileKind::Executable, PointsItem::in, PointsItem::out},
+    {157, 157, "Laps Data", GameFileKind::Executable, LapsItem::in, LapsItem::out},
     {158, 356, "JAM Files", GameFileKind::Jam, importJamItem, exportJamItem},
 }};
 
@@ -348,6 +399,9 @@ Status ImportFromGame(CarSet& set, const TransferSelection& items, const GameCon
     if (outcome.aborted) return fail(MessageId::ImportAborted);
     if (outcome.error) return fail(*outcome.error);
     if (anySelected(items, {0, 44, 47})) set.carNumbers = set.carNumbersImport;
+    for (const SettingsItem& record : kSettingsItems)
+        if (selected(items, record.item))
+            std::copy_n(set.settings.range(record.copy), record.words.count, set.settings.range(record.words));
     for (int slot = 0; slot < kMenuHelmetCount; ++slot)
         if (selected(items, transferItemOfAssetSlot(AssetKind::MenuHelmet, slot)))
             setSlot(set.menuHelmets[std::size_t(slot)], menuHelmetFile(context.workingFolder, slot));
@@ -403,8 +457,8 @@ std::vector<std::string> exportTargetFiles(const CarSet& set, const TransferSele
     const TransferSelection writing = writingItems(set, items);
     for (int item = 0; item < kTransferItemCount; ++item)
         if (selected(writing, item)) add(transferItemInfo(item).gameFile);
-    // The team data also carries the driver names into a valid state file.
-    if (selected(writing, 0) && CheckStateFile(context.gameFolder)) add(kStateFileName);
+    // The team data, the game settings and the car settings also write into a valid state file.
+    if (anySelected(writing, {0, 52, 155}) && CheckStateFile(context.gameFolder)) add(kStateFileName);
     return files;
 }
 

@@ -8,6 +8,7 @@
 #include "common/Config.h"
 #include "common/Progress.h"
 #include "common/Result.h"
+#include "game/GameFileAccess.h"
 
 #include <array>
 #include <filesystem>
@@ -26,8 +27,6 @@ struct GameContext {
     // Where an export backs up the files it is about to write; empty: no backup.
     std::filesystem::path backupsRoot;
 };
-
-enum class TransferDirection { Import, Export };
 
 constexpr int kTransferItemCount = kTransferItems;   // items 0-356
 
@@ -57,7 +56,8 @@ Result<TransferSelection> parseTransferItemList(std::string_view list);
 // when progress.aborted() turned true, "Unsupported Version." when the
 // context's version is -1, "File Not Found - %s." before anything is read.
 // What was read before a failure or an abort stays in the set; the import
-// copies (car number layout) are taken over only after full success.
+// copies (car number layout, the settings records of items 52, 54 and 155-157)
+// are taken over only after full success.
 // `changed` tells whether the set may have changed (anything was selected
 // and the game files were found), also when the import then failed.
 // What a finished import or export did, for the user: the game files read or

@@ -219,8 +219,8 @@ TEST(TransferItems, TableAndSelection) {
             EXPECT_EQ(info.displayName, displayName) << item;
         }
     }
-    for (int item : {0, 1, 14, 15, 16, 43, 44, 47, 48, 51, 158, 356}) EXPECT_TRUE(transferItemAvailable(item)) << item;
-    for (int item : {45, 46, 52, 53, 54, 55, 154, 155, 156, 157, -1, 357}) EXPECT_FALSE(transferItemAvailable(item)) << item;
+    for (int item : {0, 1, 14, 15, 16, 43, 44, 47, 48, 51, 52, 54, 155, 156, 157, 158, 356}) EXPECT_TRUE(transferItemAvailable(item)) << item;
+    for (int item : {45, 46, 53, 55, 154, -1, 357}) EXPECT_FALSE(transferItemAvailable(item)) << item;
     TransferSelection all;
     selectAvailableTransferItems(all);
     for (int item = 0; item < kTransferItemCount; ++item)
