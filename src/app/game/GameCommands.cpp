@@ -130,12 +130,6 @@ void addGameCommands(Workbench& bench) {
     Workbench* b = &bench;
     auto gameKnown = [b] { return b->session.gameKnown(); };
 
-    r.add({.id = c::OnboardCameras, .order = 211, .menu = "&Edit", .text = "&Onboard Cameras"});
-    r.add({.id = c::ChampionshipPoints, .order = 212, .menu = "&Edit", .text = "Championship &points"});
-    r.add({.id = c::NumberOfLaps, .order = 213, .menu = "&Edit", .text = "Number of &laps"});
-    r.add({.id = c::GameSettings, .order = 214, .menu = "&Edit", .text = "&Game settings"});
-    r.add({.id = c::CarSettings, .order = 305, .menu = "&Performance", .text = "Car &settings"});
-
     r.add({.id = c::ImportFromGame, .order = 400, .menu = "&Options", .text = "&Import from game",
            .run = [b] { importFromGame(*b); }, .enabled = gameKnown, .icon = QStyle::SP_ArrowDown});
     r.add({.id = c::ExportToGame, .order = 401, .menu = "&Options", .text = "&Export to game",

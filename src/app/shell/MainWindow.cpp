@@ -51,6 +51,7 @@ MainWindow::MainWindow(Session& session, Asker& asker, QWidget* parent)
     addCarSetCommands(bench_);
     addGraphicsCommands(bench_);
     addGameCommands(bench_);
+    addSettingsCommands(bench_);
     addPerformanceCommands(bench_);
     addSoundCommands(bench_);
     addCockpitCommands(bench_);

@@ -53,6 +53,7 @@ std::filesystem::path toPath(const QString& path);
 void addCarSetCommands(Workbench& bench);
 void addGraphicsCommands(Workbench& bench);
 void addGameCommands(Workbench& bench);
+void addSettingsCommands(Workbench& bench);
 void addPerformanceCommands(Workbench& bench);
 void addSoundCommands(Workbench& bench);
 void addCockpitCommands(Workbench& bench);
