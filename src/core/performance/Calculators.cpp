@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <utility>
 
 namespace tarvel {
@@ -112,18 +113,57 @@ void score(WorkingTable& table) {
     }
 }
 
-// A bubble sort of fixed pass structure; it keeps equal entries in order.
-template <class Greater>
-void bubbleSort(WorkingTable& table, Greater greater) {
-    auto& e = table.entries;
+// The order of the entries while they are sorted: the sorts move indexes,
+// and the entries follow once at the end, as if each swap had moved them.
+using Order = std::array<std::uint8_t, kCalculatorCars>;
+
+Order slotOrder() {
+    Order order{};
+    for (std::size_t i = 0; i < order.size(); ++i) order[i] = std::uint8_t(i);
+    return order;
+}
+
+// A bubble sort of fixed pass structure over the entries' keys (held in the
+// current order, so that the walk stays in one small array); it keeps equal
+// entries in order.
+template <class Key, class Greater>
+void bubbleSort(Order& order, std::array<Key, kCalculatorCars>& keys, Greater greater) {
     for (int pass = 0; pass < kCalculatorCars; ++pass)
-        for (int j = 0; j <= kCalculatorCars - 2 - pass; ++j)
-            if (greater(e[std::size_t(j)], e[std::size_t(j + 1)])) std::swap(e[std::size_t(j)], e[std::size_t(j + 1)]);
+        for (std::size_t j = 0; j + 1 < std::size_t(kCalculatorCars - pass); ++j)
+            if (greater(keys[j], keys[j + 1])) {
+                std::swap(keys[j], keys[j + 1]);
+                std::swap(order[j], order[j + 1]);
+            }
+}
+
+void arrange(WorkingTable& table, const Order& order) {
+    const auto entries = table.entries;
+    for (std::size_t i = 0; i < order.size(); ++i) table.entries[i] = entries[order[i]];
 }
 
 // Better score first; equal scores in byte order of the driver's name.
-bool slowerThan(const CarEntry& l, const CarEntry& r) {
-    return l.score > r.score || (l.score == r.score && l.driverText().compare(r.driverText()) > 0);
+void sortByScore(const WorkingTable& table, Order& order) {
+    struct Key {
+        float score;
+        const CarEntry* entry;
+    };
+    std::array<Key, kCalculatorCars> keys{};
+    for (std::size_t i = 0; i < keys.size(); ++i) keys[i] = {table.entries[order[i]].score, &table.entries[order[i]]};
+    bubbleSort(order, keys, [](const Key& l, const Key& r) {
+        return l.score > r.score || (l.score == r.score && l.entry->driverText().compare(r.entry->driverText()) > 0);
+    });
+}
+
+// A stable sort on one unsigned field, ascending; nothing moves when every
+// entry holds the same value, so that case is not walked.
+void sortBy(const WorkingTable& table, Order& order, std::uint32_t CarEntry::*field) {
+    std::array<std::uint32_t, kCalculatorCars> keys{};
+    bool alike = true;
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        keys[i] = table.entries[order[i]].*field;
+        alike = alike && keys[i] == keys[0];
+    }
+    if (!alike) bubbleSort(order, keys, std::greater<>());
 }
 
 void setText(auto& field, std::string_view text) {
@@ -155,21 +195,31 @@ void labelGrid(WorkingTable& table) {
         if (i < 2) {
             setText(label, "POLE");
         } else if (i < kGridStarters) {
-            std::snprintf(label.data(), label.size(), "ROW %d", i / 2 + 1);
+            char text[16] = "ROW ";
+            const auto end = std::to_chars(text + 4, text + sizeof text, i / 2 + 1).ptr;
+            setText(label, std::string_view(text, std::size_t(end - text)));
         } else {
             setText(label, "DNQ");
         }
     }
 }
 
-}  // namespace
-
-WorkingTable computeGrid(const TeamTable& teams, const DriverTable& drivers, bool randomGrip, Rand& rand) {
+// The grid sorted, before its gaps and labels.
+WorkingTable sortedGrid(const TeamTable& teams, const DriverTable& drivers, bool randomGrip, Rand& rand) {
     WorkingTable table;
     buildEntries(table, teams, drivers, TeamText::Grid, randomGrip, rand);
     score(table);
-    bubbleSort(table, slowerThan);
-    bubbleSort(table, [](const CarEntry& l, const CarEntry& r) { return l.disabled > r.disabled; });
+    Order order = slotOrder();
+    sortByScore(table, order);
+    sortBy(table, order, &CarEntry::disabled);
+    arrange(table, order);
+    return table;
+}
+
+}  // namespace
+
+WorkingTable computeGrid(const TeamTable& teams, const DriverTable& drivers, bool randomGrip, Rand& rand) {
+    WorkingTable table = sortedGrid(teams, drivers, randomGrip, rand);
     formatGaps(table);
     labelGrid(table);
     return table;
@@ -177,7 +227,7 @@ WorkingTable computeGrid(const TeamTable& teams, const DriverTable& drivers, boo
 
 WorkingTable computeRace(const TeamTable& teams, const DriverTable& drivers, const CalculatorOptions& options,
                          Rand& rand) {
-    const WorkingTable grid = computeGrid(teams, drivers, options.randomGrip, rand);
+    const WorkingTable grid = sortedGrid(teams, drivers, options.randomGrip, rand);
     WorkingTable table;
     table.entries[grid.entries[kGridStarters].slot].dnq = 1;
     table.entries[grid.entries[kGridStarters + 1].slot].dnq = 2;
@@ -190,10 +240,12 @@ WorkingTable computeRace(const TeamTable& teams, const DriverTable& drivers, con
         }
     }
     score(table);
-    bubbleSort(table, slowerThan);
-    bubbleSort(table, [](const CarEntry& l, const CarEntry& r) { return l.dnf > r.dnf; });
-    if (options.carFailure) bubbleSort(table, [](const CarEntry& l, const CarEntry& r) { return l.dnq > r.dnq; });
-    bubbleSort(table, [](const CarEntry& l, const CarEntry& r) { return l.disabled > r.disabled; });
+    Order order = slotOrder();
+    sortByScore(table, order);
+    sortBy(table, order, &CarEntry::dnf);
+    if (options.carFailure) sortBy(table, order, &CarEntry::dnq);
+    sortBy(table, order, &CarEntry::disabled);
+    arrange(table, order);
     formatGaps(table);
     for (CarEntry& e : table.entries) {
         if (e.dnf != 0) setText(e.gap, "DNF");
