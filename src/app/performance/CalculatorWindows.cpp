@@ -71,15 +71,13 @@ private:
     QImage box_;
 };
 
-// Where the plain lists put their columns (x in pixels inside the window).
-struct ListLayout {
-    QRect frame;
-    int labelRight, driverLeft, teamLeft, gapRight;
-};
-constexpr ListLayout kGridText{{10, 10, 349, 359}, 39, 54, 184, 359};
-constexpr ListLayout kRaceText{{10, 10, 315, 359}, 0, 20, 150, 325};
-constexpr int kLineHeight = 13;
-constexpr int kFirstLine = 11;
+// The plain lists: a line per car in a sunken frame, the label right-aligned,
+// then driver and team, the gap right-aligned. Columns take the room their
+// longest text needs in the window's font, lines at least 13 pixels.
+constexpr int kFrameMargin = 10;
+constexpr int kFramePadding = 6;
+constexpr int kColumnGap = 14;
+constexpr int kMinimumLine = 13;
 
 QString percent(std::uint64_t count, std::uint64_t runs) {
     return QString::number(runs ? 100.0 * double(count) / double(runs) : 0.0, 'f', 1) + "%";
@@ -104,9 +102,29 @@ CalculatorList::CalculatorList(bool grid, QWidget* parent) : QWidget(parent), gr
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
+CalculatorList::Columns CalculatorList::columns() const {
+    const QFontMetrics fm = fontMetrics();
+    int driver = fm.horizontalAdvance("Drivers Name"), team = 0, gap = fm.horizontalAdvance("+00.00%");
+    for (const QString& line : lines_) {
+        const QStringList f = line.split('\t');
+        driver = std::max(driver, fm.horizontalAdvance(f[1]));
+        team = std::max(team, fm.horizontalAdvance(f[2]));
+        gap = std::max(gap, fm.horizontalAdvance(f[3]));
+    }
+    Columns c;
+    c.lineHeight = std::max(kMinimumLine, fm.height() + 1);
+    c.labelRight = kFrameMargin + kFramePadding + (grid_ ? fm.horizontalAdvance("DNQ") : 0);
+    c.driverLeft = c.labelRight + (grid_ ? kColumnGap : 0);
+    c.teamLeft = c.driverLeft + driver + kColumnGap;
+    c.gapRight = c.teamLeft + team + kColumnGap + gap;
+    c.frame = QRect(kFrameMargin, kFrameMargin, c.gapRight + kFramePadding - kFrameMargin,
+                    2 * kFramePadding + c.lineHeight * int(std::max<qsizetype>(lines_.size(), 1)));
+    return c;
+}
+
 QSize CalculatorList::sizeHint() const {
-    const ListLayout& l = grid_ ? kGridText : kRaceText;
-    return {l.frame.right() + 10, l.frame.bottom() + 10};
+    const QRect frame = columns().frame;
+    return {frame.right() + 1 + kFrameMargin, frame.bottom() + 1 + kFrameMargin};
 }
 
 void CalculatorList::show(const WorkingTable& table) {
@@ -118,33 +136,30 @@ void CalculatorList::show(const WorkingTable& table) {
         const QString label = grid_ ? QString::fromLatin1(textGridLabel(int(i), buffer)) : QString();
         lines_ << label + "\t" + text(e.driverText()) + "\t" + text(e.teamText()) + "\t" + text(e.gapText());
     }
+    updateGeometry();
     update();
 }
 
 void CalculatorList::paintEvent(QPaintEvent*) {
     QPainter p(this);
-    const ListLayout& l = grid_ ? kGridText : kRaceText;
+    const Columns c = columns();
     p.setPen(palette().color(QPalette::Dark));
-    p.drawLine(l.frame.topLeft(), l.frame.topRight());
-    p.drawLine(l.frame.topLeft(), l.frame.bottomLeft());
+    p.drawLine(c.frame.topLeft(), c.frame.topRight());
+    p.drawLine(c.frame.topLeft(), c.frame.bottomLeft());
     p.setPen(palette().color(QPalette::Light));
-    p.drawLine(l.frame.bottomLeft(), l.frame.bottomRight());
-    p.drawLine(l.frame.topRight(), l.frame.bottomRight());
+    p.drawLine(c.frame.bottomLeft(), c.frame.bottomRight());
+    p.drawLine(c.frame.topRight(), c.frame.bottomRight());
     p.setPen(palette().color(QPalette::WindowText));
-    const QFontMetrics fm = p.fontMetrics();
     for (int i = 0; i < lines_.size(); ++i) {
         const QStringList f = lines_[i].split('\t');
-        const int y = kFirstLine + kLineHeight * i;
-        if (y + kLineHeight > l.frame.bottom()) break;
+        const int y = c.frame.top() + kFramePadding + c.lineHeight * i;
         auto at = [&](int left, int right, Qt::Alignment align, const QString& s) {
-            p.drawText(QRect(left, y, right - left, kLineHeight), align | Qt::AlignVCenter,
-                       fm.elidedText(s, Qt::ElideRight, right - left));
+            p.drawText(QRect(left, y, right - left, c.lineHeight), align | Qt::AlignVCenter, s);
         };
-        if (grid_) at(l.frame.left() + 2, l.labelRight, Qt::AlignRight, f[0]);
-        at(l.driverLeft, l.teamLeft - 4, Qt::AlignLeft, f[1]);
-        const int gapWidth = fm.horizontalAdvance("+00.00%") + 4;
-        at(l.teamLeft, l.gapRight - gapWidth, Qt::AlignLeft, f[2]);
-        at(l.gapRight - gapWidth, l.gapRight - 3, Qt::AlignRight, f[3]);
+        if (grid_) at(c.frame.left(), c.labelRight, Qt::AlignRight, f[0]);
+        at(c.driverLeft, c.teamLeft, Qt::AlignLeft, f[1]);
+        at(c.teamLeft, c.gapRight, Qt::AlignLeft, f[2]);
+        at(c.teamLeft, c.gapRight, Qt::AlignRight, f[3]);
     }
 }
 
@@ -181,7 +196,7 @@ CalculatorDialog::CalculatorDialog(Workbench& bench, const TeamTable& teams, con
     side->addWidget(carFailure_);
     side->addWidget(randomize_);
     if (race) {
-        season_ = new QPushButton("Season odds...", this);
+        season_ = new QPushButton("&Season odds...", this);
         side->addWidget(season_);
         connect(season_, &QPushButton::clicked, this, &CalculatorDialog::showSeasonOdds);
     }
@@ -189,6 +204,7 @@ CalculatorDialog::CalculatorDialog(Workbench& bench, const TeamTable& teams, con
     auto* close = new QPushButton("Close", this);
     side->addWidget(close);
     layout->addLayout(side);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
 
     connect(randomGrip_, &QCheckBox::toggled, this, &CalculatorDialog::optionsChanged);
     connect(carFailure_, &QCheckBox::toggled, this, &CalculatorDialog::optionsChanged);
@@ -296,6 +312,7 @@ SeasonOddsDialog::SeasonOddsDialog(Workbench& bench, const TeamTable& teams, con
     table_->verticalHeader()->setVisible(false);
     table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 6);
     body->addWidget(table_, 3);
     chart_ = new OddsChart(this);
     body->addWidget(chart_, 2);
@@ -304,7 +321,7 @@ SeasonOddsDialog::SeasonOddsDialog(Workbench& bench, const TeamTable& teams, con
     layout->addWidget(close, 0, Qt::AlignRight);
     connect(runButton, &QPushButton::clicked, this, &SeasonOddsDialog::run);
     connect(close, &QPushButton::clicked, this, &QDialog::reject);
-    resize(980, 560);
+    resize(1080, 640);
     run();
 }
 
@@ -332,6 +349,9 @@ void SeasonOddsDialog::run() {
         }
     }
     table_->resizeColumnsToContents();
+    int width = 2 * table_->frameWidth() + table_->verticalScrollBar()->sizeHint().width();
+    for (int col = 0; col < table_->columnCount(); ++col) width += table_->columnWidth(col);
+    table_->setMinimumWidth(width);
     chart_->show(odds_);
 }
 

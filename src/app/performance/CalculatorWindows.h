@@ -24,7 +24,7 @@ namespace tarvel {
 struct Workbench;
 
 // The plain list of a calculator: position label (grid only), driver, team
-// text and gap of each car shown, one line of 13 pixels each, in a sunken frame.
+// text and gap of each car shown, a line each, in a sunken frame.
 class CalculatorList : public QWidget {
     Q_OBJECT
 public:
@@ -38,6 +38,12 @@ protected:
     void paintEvent(QPaintEvent*) override;
 
 private:
+    struct Columns {
+        QRect frame;
+        int lineHeight, labelRight, driverLeft, teamLeft, gapRight;
+    };
+    Columns columns() const;
+
     bool grid_;
     QStringList lines_;
 };

@@ -43,14 +43,17 @@ QImage spareHelmetImage() {
         for (int x = 0; x < helmet.width; ++x) image.setPixel(x, y, 0xFF000000u | GamePalette[helmet.topRow(y)[x]]);
     return image.scaled(image.size() * 2);
 }
+constexpr int kHelmetBoxWidth = 146;
+constexpr int kHelmetBoxHeight = 30;
 
 // A helmet in a sunken frame; a click shows it enlarged.
 class HelmetButton : public QLabel {
 public:
     HelmetButton(int number, QWidget* parent) : QLabel(parent), number_(number) {
-        setPixmap(QPixmap::fromImage(spareHelmetImage()));
+        const QImage helmet = spareHelmetImage();
+        setPixmap(QPixmap::fromImage(helmet.copy((helmet.width() - kHelmetBoxWidth) / 2, 0, kHelmetBoxWidth, kHelmetBoxHeight)));
         setFrameStyle(QFrame::Panel | QFrame::Sunken);
-        setFixedSize(146 + 2 * frameWidth(), 30 + 2 * frameWidth());
+        setFixedSize(kHelmetBoxWidth + 2 * frameWidth(), kHelmetBoxHeight + 2 * frameWidth());
         setToolTip(QString("Helmet %1").arg(number + 1));
         setCursor(Qt::PointingHandCursor);
     }
