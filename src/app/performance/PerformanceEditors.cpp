@@ -51,7 +51,8 @@ class HelmetButton : public QLabel {
 public:
     HelmetButton(int number, QWidget* parent) : QLabel(parent), number_(number) {
         const QImage helmet = spareHelmetImage();
-        setPixmap(QPixmap::fromImage(helmet.copy((helmet.width() - kHelmetBoxWidth) / 2, 0, kHelmetBoxWidth, kHelmetBoxHeight)));
+        const QImage box = helmet.copy((helmet.width() - kHelmetBoxWidth) / 2, 0, kHelmetBoxWidth, kHelmetBoxHeight);
+        setPixmap(QPixmap::fromImage(box));
         setFrameStyle(QFrame::Panel | QFrame::Sunken);
         setFixedSize(kHelmetBoxWidth + 2 * frameWidth(), kHelmetBoxHeight + 2 * frameWidth());
         setToolTip(QString("Helmet %1").arg(number + 1));
@@ -81,6 +82,18 @@ FigureEditor::FigureEditor(Workbench& bench, const QString& title, QWidget* pare
 }
 
 bool FigureEditor::highGrip() const { return bench_.session.config.highGrip; }
+
+int FigureEditor::columnOf(Figure figure) {
+    switch (figure) {
+        case Figure::PowerRace:
+        case Figure::GripRace: return 0;
+        case Figure::PowerQual:
+        case Figure::GripQual: return 1;
+        case Figure::Failure:
+        case Figure::GripRandom: break;
+    }
+    return 2;
+}
 
 QLineEdit* FigureEditor::figureField(Figure figure) {
     auto* field = new QLineEdit(this);
@@ -233,26 +246,27 @@ CarPerformanceEditor::CarPerformanceEditor(Workbench& bench, QWidget* parent)
     first->selectAll();
 }
 
-int CarPerformanceEditor::column(Figure figure) { return figure == Figure::PowerRace ? 0 : figure == Figure::PowerQual ? 1 : 2; }
-
 std::vector<QLineEdit*> CarPerformanceEditor::fields(Figure figure) const {
-    const auto& c = fields_[std::size_t(column(figure))];
+    const auto& c = fields_[std::size_t(columnOf(figure))];
     return {c.begin(), c.end()};
 }
 
 void CarPerformanceEditor::store(Figure figure) {
     for (int t = 0; t < kRacingTeams; ++t)
-        setFigureValue(scratch_, figure, t, 0, readStored(fields_[std::size_t(column(figure))][std::size_t(t)], figure));
+        setFigureValue(scratch_, figure, t, 0,
+                       readStored(fields_[std::size_t(columnOf(figure))][std::size_t(t)], figure));
 }
 
 void CarPerformanceEditor::show(Figure figure) {
     for (int t = 0; t < kRacingTeams; ++t)
-        showStored(fields_[std::size_t(column(figure))][std::size_t(t)], figure, figureValue(scratch_, figure, t, 0));
+        showStored(fields_[std::size_t(columnOf(figure))][std::size_t(t)], figure, figureValue(scratch_, figure, t, 0));
 }
 
 bool CarPerformanceEditor::commitTo(CarSet& set) { return commitTeamFigures(set, scratch_); }
 
-std::vector<Figure> CarPerformanceEditor::checkOrder() const { return {std::begin(kCarFigures), std::end(kCarFigures)}; }
+std::vector<Figure> CarPerformanceEditor::checkOrder() const {
+    return {std::begin(kCarFigures), std::end(kCarFigures)};
+}
 
 std::vector<Figure> CarPerformanceEditor::calculatorFigures(bool race) const {
     return {race ? Figure::PowerRace : Figure::PowerQual};
@@ -299,11 +313,9 @@ DriverPerformanceEditor::DriverPerformanceEditor(Workbench& bench, QWidget* pare
     for (Figure f : kDriverFigures) show(f);
 }
 
-int DriverPerformanceEditor::column(Figure figure) { return figure == Figure::GripRace ? 0 : figure == Figure::GripQual ? 1 : 2; }
-
 std::vector<QLineEdit*> DriverPerformanceEditor::fields(Figure figure) const {
     std::vector<QLineEdit*> out;
-    const auto& c = fields_[std::size_t(column(figure))];
+    const auto& c = fields_[std::size_t(columnOf(figure))];
     for (int t = 0; t < kRacingTeams; ++t)
         for (int car = 0; car < 2; ++car) out.push_back(c[std::size_t(car)][std::size_t(t)]);
     return out;
@@ -348,7 +360,8 @@ SpareDriverEditor::SpareDriverEditor(Workbench& bench, QWidget* parent)
         auto* name = new SizedLineEdit(QString(kDriverNameSize - 1, 'M'), this);
         name->setValidator(new ModelTextValidator(kDriverNameSize - 1, name));
         name->setMaxLength(kDriverNameSize - 1);
-        if (number > 0 && number <= kDriverNumbers) name->setText(fromModel(fieldText(scratch_.drivers[std::size_t(number)].name)));
+        if (number > 0 && number <= kDriverNumbers)
+            name->setText(fromModel(fieldText(scratch_.drivers[std::size_t(number)].name)));
         name->setEnabled(number > 0 && number <= kDriverNumbers);
         names_[std::size_t(row)] = name;
         grid->addWidget(name, row + 1, 0);
@@ -363,22 +376,20 @@ SpareDriverEditor::SpareDriverEditor(Workbench& bench, QWidget* parent)
     for (Figure f : kDriverFigures) show(f);
 }
 
-int SpareDriverEditor::column(Figure figure) { return figure == Figure::GripRace ? 0 : figure == Figure::GripQual ? 1 : 2; }
-
 std::vector<QLineEdit*> SpareDriverEditor::fields(Figure figure) const {
-    const auto& c = fields_[std::size_t(column(figure))];
+    const auto& c = fields_[std::size_t(columnOf(figure))];
     return {c.begin(), c.end()};
 }
 
 void SpareDriverEditor::store(Figure figure) {
     for (int row = 0; row < kSpareDrivers; ++row)
         setFigureValue(scratch_, figure, kRacingTeams + row / 2, row % 2,
-                       readStored(fields_[std::size_t(column(figure))][std::size_t(row)], figure));
+                       readStored(fields_[std::size_t(columnOf(figure))][std::size_t(row)], figure));
 }
 
 void SpareDriverEditor::show(Figure figure) {
     for (int row = 0; row < kSpareDrivers; ++row)
-        showStored(fields_[std::size_t(column(figure))][std::size_t(row)], figure,
+        showStored(fields_[std::size_t(columnOf(figure))][std::size_t(row)], figure,
                    figureValue(scratch_, figure, kRacingTeams + row / 2, row % 2));
 }
 
@@ -391,6 +402,8 @@ bool SpareDriverEditor::commitTo(CarSet& set) {
     return commitDriverFigures(set, scratch_);
 }
 
-std::vector<Figure> SpareDriverEditor::checkOrder() const { return {std::begin(kDriverFigures), std::end(kDriverFigures)}; }
+std::vector<Figure> SpareDriverEditor::checkOrder() const {
+    return {std::begin(kDriverFigures), std::end(kDriverFigures)};
+}
 
 }  // namespace tarvel

@@ -42,6 +42,8 @@ public:
 protected:
     FigureEditor(Workbench& bench, const QString& title, QWidget* parent);
     bool highGrip() const;
+    // The column of a figure in its table: race, qualifying, the third.
+    static int columnOf(Figure figure);
     // Checks the figure's fields; the first failing one is reported and selected.
     bool check(Figure figure);
     bool checkAll(std::initializer_list<Figure> figures);
@@ -79,7 +81,6 @@ protected:
     std::vector<Figure> calculatorFigures(bool race) const override;
 
 private:
-    static int column(Figure figure);
     std::array<std::array<QLineEdit*, kRacingTeams>, 3> fields_{};
 };
 
@@ -98,7 +99,6 @@ protected:
     std::vector<Figure> calculatorFigures(bool race) const override;
 
 private:
-    static int column(Figure figure);
     // [column][car][row]
     std::array<std::array<std::array<QLineEdit*, kRacingTeams>, 2>, 3> fields_{};
 };
@@ -118,7 +118,6 @@ protected:
     std::vector<Figure> calculatorFigures(bool) const override { return {}; }
 
 private:
-    static int column(Figure figure);
     std::array<QLineEdit*, kSpareDrivers> names_{};
     std::array<std::array<QLineEdit*, kSpareDrivers>, 3> fields_{};
 };

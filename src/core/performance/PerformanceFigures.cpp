@@ -105,7 +105,8 @@ int storedFigure(FigureKind kind, int shown, bool highGrip) {
 
 int stepFigure(FigureKind kind, int value, int amount, StepDirection direction, bool highGrip) {
     const FieldRange range = typedRange(kind, highGrip);
-    return direction == StepDirection::Down ? std::max(value - amount, range.low) : std::min(value + amount, range.high);
+    return direction == StepDirection::Down ? std::max(value - amount, range.low)
+                                            : std::min(value + amount, range.high);
 }
 
 int defaultStep(Figure figure) { return rowOf(figure).defaultStep; }
@@ -124,8 +125,10 @@ void setFigureValue(PerformanceTables& tables, Figure figure, int team, int car,
 void stepColumn(PerformanceTables& tables, Figure figure, int amount, StepDirection direction, bool highGrip) {
     const FigureKind kind = kindOf(figure);
     if (isTeamFigure(figure)) {
-        for (int t = 0; t < kRacingTeams; ++t)
-            setFigureValue(tables, figure, t, 0, stepFigure(kind, figureValue(tables, figure, t, 0), amount, direction, highGrip));
+        for (int t = 0; t < kRacingTeams; ++t) {
+            const int value = figureValue(tables, figure, t, 0);
+            setFigureValue(tables, figure, t, 0, stepFigure(kind, value, amount, direction, highGrip));
+        }
         return;
     }
     for (int t = 0; t < kRacingTeams + kSpareSlots; ++t) {

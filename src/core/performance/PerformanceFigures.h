@@ -21,7 +21,9 @@ enum class FigureKind { Power, Failure, Grip, GripRange, StepAmount };
 enum class Figure { PowerRace, PowerQual, Failure, GripRace, GripQual, GripRandom };
 enum class StepDirection { Down, Up };
 
-constexpr bool isTeamFigure(Figure f) { return f == Figure::PowerRace || f == Figure::PowerQual || f == Figure::Failure; }
+constexpr bool isTeamFigure(Figure f) {
+    return f == Figure::PowerRace || f == Figure::PowerQual || f == Figure::Failure;
+}
 FigureKind kindOf(Figure figure);
 
 // The range a figure is typed in, the message naming it, and the most

@@ -13,8 +13,8 @@ namespace tarvel {
 
 struct CarOdds {
     std::uint32_t slot = 0;
-    std::string driver;   // Windows-1252, as the race shows it
-    std::string team;
+    std::string driver{};   // Windows-1252, as the race shows it
+    std::string team{};
     std::uint64_t wins = 0;
     std::uint64_t podiums = 0;
     std::uint64_t points = 0;    // finishes in a place the points table rewards
