@@ -24,7 +24,7 @@ bool standardErrorIsTerminal() {
 
 std::vector<Command> allCommands() {
     std::vector<Command> all;
-    for (auto group : {carSetCommands(), graphicsCommands(), gameCommands()})
+    for (auto group : {carSetCommands(), graphicsCommands(), gameCommands(), performanceCommands()})
         all.insert(all.end(), group.begin(), group.end());
     return all;
 }

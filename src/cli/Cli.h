@@ -44,6 +44,7 @@ struct Command {
 std::vector<Command> carSetCommands();
 std::vector<Command> graphicsCommands();
 std::vector<Command> gameCommands();
+std::vector<Command> performanceCommands();
 
 // The whole tool; main() calls it with the real streams, the tests with string streams.
 int run(const std::vector<std::string>& argv, std::ostream& out, std::ostream& err);
