@@ -157,8 +157,8 @@ TEST_F(EditingTest, FiguresBesideTheScrollBarsAreTypedWithinTheirRange) {
                                    : panel().gripField(0, int(grips.indexOf(c.field)));
         QScrollBar* bar = team ? panel().performanceBar(int(perf.indexOf(c.field)))
                                : panel().gripBar(0, int(grips.indexOf(c.field)));
-        const FieldSpec& spec = *findFieldSpec(team ? FieldPlace::Team : FieldPlace::Driver, c.field);
-        auto stored = [&] { return fieldValue(set(), spec, team ? 0 : number, 0); };
+        const FieldSpec& schemaField = *findFieldSpec(team ? FieldPlace::Team : FieldPlace::Driver, c.field);
+        auto stored = [&] { return fieldValue(set(), schemaField, team ? 0 : number, 0); };
         EXPECT_EQ(field->text(), c.shown) << c.field;
         EXPECT_EQ(std::pair(field->minimum(), field->maximum()), std::pair(c.low, c.high)) << c.field;
         EXPECT_EQ(std::pair(bar->minimum(), bar->maximum()), std::pair(c.low, c.high)) << c.field;

@@ -226,9 +226,9 @@ GameSettingsDialog::GameSettingsDialog(Workbench& bench, QWidget* parent)
 
     auto* fuelBox = new QGroupBox("Initial Fuel Load", this);
     auto* fuelRow = new QHBoxLayout(fuelBox);
-    const FieldSpec& spec = settingsField("gameSettings");
+    const FieldSpec& schemaField = settingsField("gameSettings");
     for (int which = 0; which < 2; ++which) {
-        fuel_[std::size_t(which)] = numberField(elementRule(spec, gamesettings::kFuelPractice + which), 2);
+        fuel_[std::size_t(which)] = numberField(elementRule(schemaField, gamesettings::kFuelPractice + which), 2);
         editOf(fuel_[std::size_t(which)])->setMaxLength(2);
         fuelRow->addWidget(new QLabel(which == 0 ? "Prac." : "Qual.", fuelBox));
         fuelRow->addWidget(fuel_[std::size_t(which)]);
@@ -259,10 +259,10 @@ void GameSettingsDialog::showWords() {
 }
 
 bool GameSettingsDialog::takeWords() {
-    const FieldSpec& spec = settingsField("gameSettings");
+    const FieldSpec& schemaField = settingsField("gameSettings");
     std::array<int, 2> fuel{};
     for (int which = 0; which < 2; ++which) {
-        auto value = readField(fuel_[std::size_t(which)], elementRule(spec, gamesettings::kFuelPractice + which));
+        auto value = readField(fuel_[std::size_t(which)], elementRule(schemaField, gamesettings::kFuelPractice + which));
         if (!value) return false;
         fuel[std::size_t(which)] = *value;
     }
@@ -457,14 +457,14 @@ CameraDialog::CameraDialog(Workbench& bench, QWidget* parent)
     list_->setCurrentRow(0);
     list_->setMaximumWidth(list_->fontMetrics().horizontalAdvance(" Camera 9 ") + 40);
     content->addWidget(list_);
-    const FieldSpec& spec = settingsField("cameras");
+    const FieldSpec& schemaField = settingsField("cameras");
     const char* groups[] = {"Position", "Angle (deg)", "Focus"};
     const int groupStart[] = {0, 3, 6, 8};
     for (int g = 0; g < 3; ++g) {
         auto* box = new QGroupBox(groups[g], this);
         auto* grid = new QGridLayout(box);
         for (int f = groupStart[g]; f < groupStart[g + 1]; ++f) {
-            fields_[std::size_t(f)] = numberField(elementRule(spec, f), kTextLimits[f]);
+            fields_[std::size_t(f)] = numberField(elementRule(schemaField, f), kTextLimits[f]);
             editOf(fields_[std::size_t(f)])->setMaxLength(kTextLimits[f]);
             grid->addWidget(new QLabel(kCameraCaptions[f], box), f - groupStart[g], 0);
             grid->addWidget(fields_[std::size_t(f)], f - groupStart[g], 1);
@@ -485,10 +485,10 @@ void CameraDialog::showWords() {
 }
 
 bool CameraDialog::takeWords() {
-    const FieldSpec& spec = settingsField("cameras");
+    const FieldSpec& schemaField = settingsField("cameras");
     std::array<int, camera::kFields> values{};
     for (int f = 0; f < camera::kFields; ++f) {
-        auto value = readField(fields_[std::size_t(f)], elementRule(spec, f));
+        auto value = readField(fields_[std::size_t(f)], elementRule(schemaField, f));
         if (!value) {
             const QSignalBlocker quiet(list_);
             list_->setCurrentRow(current_);
